@@ -1,0 +1,58 @@
+// Reading VB6 component files (.bas .cls .frm .ctl .pag .dob .dsr): the code-window text the IDE
+// would show, the component's name and attributes, and the map from code lines to file lines.
+//
+// Parsing works on bytes already in memory and never fails: malformed files give diagnostics.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace arbolet::disk {
+
+enum class LineEnding { CRLF, LF, CR, None };
+
+// One physical line of a text file: its bytes without the terminator, and the terminator.
+struct RawLine {
+    std::size_t offset = 0;  // of the first byte in the file
+    std::size_t length = 0;  // without the terminator
+    LineEnding ending = LineEnding::None;
+};
+
+// Splits bytes into lines at CRLF, LF and lone CR. A file ending in a terminator has no empty
+// last line; an empty file has no lines.
+std::vector<RawLine> SplitRawLines(std::string_view bytes);
+
+struct FileDiagnostic {
+    std::int32_t line = 0;  // 1-based file line, 0 when it concerns the whole file
+    std::string message;
+};
+
+struct ComponentFile {
+    // Every file line, decoded to UTF-8, without terminators.
+    std::vector<std::string> lines;
+    std::vector<RawLine> raw;
+    // The component's name from `Attribute VB_Name`, empty when there is none.
+    std::string name;
+    // Module attribute block: file lines [attributesBegin, attributesEnd), 0-based.
+    std::int32_t attributesBegin = 0;
+    std::int32_t attributesEnd = 0;
+    // 0-based file line of each code-window line, in order.
+    std::vector<std::int32_t> codeLines;
+    std::vector<FileDiagnostic> diagnostics;
+
+    // The code-window text: the code lines joined with CRLF, as CodeModule.Lines(1, n) gives it.
+    std::string CodeText() const;
+    // The 1-based file line of a 0-based code line; nullopt when out of range.
+    std::optional<std::int32_t> FileLineOfCodeLine(std::int32_t codeLine) const;
+};
+
+// Parses a component file's bytes in the given code page.
+ComponentFile ParseComponentFile(std::string_view bytes, int codePage);
+
+// Whether a path names a component file kind that holds code, by its extension (any case).
+bool IsComponentFileName(std::string_view fileName);
+
+}  // namespace arbolet::disk
