@@ -10,7 +10,7 @@
 namespace arbolet::analysis {
 
 class clsLine : public VbObject {
-public:
+  public:
     static constexpr std::int32_t kChildGrowthStep = 50;
 
     clsLine();
@@ -44,7 +44,7 @@ public:
     // The highest index of the children array.
     std::int32_t ChildCapacity() const { return childCapacity_; }
 
-private:
+  private:
     // Holds the used slots and at least up to ChildCount; slots up to childCapacity_ that are not
     // stored here read as empty, so that a fresh line needs no allocation.
     std::vector<clsLine*> children_;

@@ -10,7 +10,7 @@
 namespace arbolet::analysis {
 
 class clsStack {
-public:
+  public:
     static constexpr std::int32_t kInitialCapacity = 300;
     static constexpr std::int32_t kGrowthStep = 150;
 
@@ -34,7 +34,7 @@ public:
     // The top item's text without copying it; empty when the top is not a text.
     std::string_view TopText() const;
 
-private:
+  private:
     std::vector<Variant> items_;
     std::int32_t count_ = 0;
     std::int32_t capacity_ = kInitialCapacity;

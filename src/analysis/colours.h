@@ -13,6 +13,8 @@ inline constexpr std::int32_t kNavy = 0x800000;       // variable declarations
 inline constexpr std::int32_t kRed = 0x0000FF;        // error nodes
 inline constexpr std::int32_t kBlack = 0;             // everything else
 
-inline constexpr bool IsError(std::int32_t c) { return c == kRed; }
+inline constexpr bool IsError(std::int32_t c) {
+    return c == kRed;
+}
 
 }  // namespace arbolet::analysis::colour

@@ -20,18 +20,18 @@ struct DisplayOptions {
 // Where the code view reads the options from: the registry on Windows, flags or plain values
 // elsewhere. Reads all seven in the order of the struct's fields.
 class IDisplayOptionSource {
-public:
+  public:
     virtual ~IDisplayOptionSource() = default;
     virtual DisplayOptions ReadDisplayOptions() = 0;
 };
 
 // A source that answers fixed values.
 class FixedDisplayOptions final : public IDisplayOptionSource {
-public:
+  public:
     explicit FixedDisplayOptions(DisplayOptions options = {}) : options_(options) {}
     DisplayOptions ReadDisplayOptions() override { return options_; }
 
-private:
+  private:
     DisplayOptions options_;
 };
 

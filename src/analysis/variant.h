@@ -11,7 +11,7 @@ namespace arbolet::analysis {
 // Base of every object that can travel in a Variant. Objects are shared, never copied: the
 // variant holds a non-owning reference and the owner keeps the object alive.
 class VbObject {
-public:
+  public:
     virtual ~VbObject() = default;
     // The class name, as VB's TypeName reports it.
     virtual std::string_view TypeName() const = 0;
@@ -20,7 +20,7 @@ public:
 };
 
 class Variant {
-public:
+  public:
     Variant() = default;
     Variant(std::int32_t value) : value_(value) {}
     Variant(double value) : value_(value) {}
@@ -33,7 +33,8 @@ public:
     bool IsObject() const { return std::holds_alternative<VbObject*>(value_); }
     bool IsText() const { return std::holds_alternative<std::string>(value_); }
     bool IsNumber() const {
-        return std::holds_alternative<std::int32_t>(value_) || std::holds_alternative<double>(value_);
+        return std::holds_alternative<std::int32_t>(value_) ||
+               std::holds_alternative<double>(value_);
     }
 
     // The object reference, or nullptr when the variant holds none.
@@ -48,7 +49,7 @@ public:
     // VbObject::Equals when their type names agree. Mismatched kinds compare unequal.
     friend bool operator==(const Variant& a, const Variant& b);
 
-private:
+  private:
     std::variant<std::monostate, std::int32_t, double, std::string, VbObject*> value_;
 };
 

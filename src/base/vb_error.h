@@ -8,7 +8,7 @@
 namespace arbolet {
 
 class VbError : public std::runtime_error {
-public:
+  public:
     VbError(std::int32_t number, std::string source, std::string description)
         : std::runtime_error(description),
           Number(number),

@@ -26,9 +26,14 @@ struct RawLine {
 std::vector<RawLine> SplitRawLines(std::string_view bytes);
 
 struct FileDiagnostic {
+    enum class Severity { Warning, Error };
+    Severity severity = Severity::Error;
     std::int32_t line = 0;  // 1-based file line, 0 when it concerns the whole file
     std::string message;
 };
+
+// VB6 cannot load a line longer than this many bytes.
+inline constexpr std::size_t kMaxVbLineBytes = 1023;
 
 struct ComponentFile {
     // Every file line, decoded to UTF-8, without terminators.

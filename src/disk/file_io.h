@@ -3,6 +3,7 @@
 #pragma once
 
 #include <filesystem>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 
@@ -10,7 +11,7 @@ namespace arbolet::disk {
 
 // Thrown for a file that cannot be read or written; the message names the file.
 class FileError : public std::runtime_error {
-public:
+  public:
     FileError(const std::filesystem::path& path, const std::string& what);
     std::filesystem::path path;
 };

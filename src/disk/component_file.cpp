@@ -1,0 +1,159 @@
+// Component files: the designer header, module attributes and code (see component_file.h).
+#include "disk/component_file.h"
+
+#include <algorithm>
+
+#include "base/utf8.h"
+#include "disk/codepage.h"
+
+namespace arbolet::disk {
+namespace {
+
+std::string_view FirstToken(std::string_view line) {
+    line = text::TrimLeft(line);
+    const auto end = line.find_first_of(" \t=");
+    return line.substr(0, end);
+}
+
+bool TokenIs(std::string_view line, std::string_view lowerWord) {
+    const auto token = FirstToken(line);
+    return token.size() == lowerWord.size() && text::ToLower(token) == lowerWord;
+}
+
+bool IsAttributeLine(std::string_view line) {
+    return TokenIs(line, "attribute");
+}
+
+// `Attribute Name.VB_UserMemId = 0` and the like: hidden from the code window.
+bool IsMemberAttribute(std::string_view line) {
+    if (!IsAttributeLine(line)) return false;
+    const auto rest = text::TrimLeft(text::TrimLeft(line).substr(9));
+    const auto name = rest.substr(0, rest.find_first_of(" \t="));
+    return name.find('.') != std::string_view::npos;
+}
+
+// The quoted value of `Attribute VB_Name = "X"`, or nullopt for other lines.
+std::optional<std::string> VbNameOf(std::string_view line) {
+    const auto rest = text::TrimLeft(text::TrimLeft(line).substr(9));
+    if (text::ToLower(rest.substr(0, rest.find_first_of(" \t="))) != "vb_name") return std::nullopt;
+    const auto open = rest.find('"');
+    if (open == std::string_view::npos) return std::nullopt;
+    const auto close = rest.find('"', open + 1);
+    return std::string(
+        rest.substr(open + 1, close == std::string_view::npos ? close : close - open - 1));
+}
+
+// Skips the `Begin` ... `End` designer or class block, nested blocks and property groups
+// included. Returns the index of the first line after it.
+std::size_t SkipDesignerBlock(const std::vector<std::string>& lines, std::size_t first,
+                              std::vector<FileDiagnostic>& diagnostics) {
+    int depth = 0;
+    for (std::size_t i = first; i < lines.size(); ++i) {
+        if (TokenIs(lines[i], "begin") || TokenIs(lines[i], "beginproperty")) {
+            ++depth;
+        } else if (TokenIs(lines[i], "end") || TokenIs(lines[i], "endproperty")) {
+            if (--depth == 0) return i + 1;
+        }
+    }
+    diagnostics.push_back({FileDiagnostic::Severity::Error, static_cast<std::int32_t>(first + 1),
+                           "the Begin block opened here is never closed with End"});
+    return lines.size();
+}
+
+std::size_t SkipHeader(const ComponentFile& file, std::vector<FileDiagnostic>& diagnostics) {
+    const auto& lines = file.lines;
+    std::size_t i = 0;
+    if (i < lines.size() && TokenIs(lines[i], "version")) ++i;
+    while (i < lines.size() && TokenIs(lines[i], "object"))
+        ++i;
+    if (i < lines.size() && TokenIs(lines[i], "begin"))
+        i = SkipDesignerBlock(lines, i, diagnostics);
+    return i;
+}
+
+void CheckBytes(std::string_view bytes, const std::vector<RawLine>& raw,
+                std::vector<FileDiagnostic>& diagnostics) {
+    for (std::size_t i = 0; i < raw.size(); ++i) {
+        const auto content = bytes.substr(raw[i].offset, raw[i].length);
+        const auto line = static_cast<std::int32_t>(i + 1);
+        if (content.find('\0') != std::string_view::npos) {
+            diagnostics.push_back({FileDiagnostic::Severity::Error, line,
+                                   "binary data (a NUL byte): this is not a VB6 text file"});
+            return;
+        }
+        if (content.size() > kMaxVbLineBytes) {
+            diagnostics.push_back(
+                {FileDiagnostic::Severity::Warning, line,
+                 "line of " + std::to_string(content.size()) + " bytes; VB6 loads at most 1023"});
+        }
+    }
+}
+
+}  // namespace
+
+std::vector<RawLine> SplitRawLines(std::string_view bytes) {
+    std::vector<RawLine> lines;
+    std::size_t start = 0;
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        if (bytes[i] != '\r' && bytes[i] != '\n') continue;
+        RawLine line{start, i - start, LineEnding::LF};
+        if (bytes[i] == '\r') {
+            const bool crlf = i + 1 < bytes.size() && bytes[i + 1] == '\n';
+            line.ending = crlf ? LineEnding::CRLF : LineEnding::CR;
+            if (crlf) ++i;
+        }
+        lines.push_back(line);
+        start = i + 1;
+    }
+    if (start < bytes.size()) lines.push_back({start, bytes.size() - start, LineEnding::None});
+    return lines;
+}
+
+std::string ComponentFile::CodeText() const {
+    std::string text;
+    for (std::size_t i = 0; i < codeLines.size(); ++i) {
+        if (i > 0) text += "\r\n";
+        text += lines[static_cast<std::size_t>(codeLines[i])];
+    }
+    return text;
+}
+
+std::optional<std::int32_t> ComponentFile::FileLineOfCodeLine(std::int32_t codeLine) const {
+    if (codeLine < 0 || static_cast<std::size_t>(codeLine) >= codeLines.size()) return std::nullopt;
+    return codeLines[static_cast<std::size_t>(codeLine)] + 1;
+}
+
+ComponentFile ParseComponentFile(std::string_view bytes, int codePage) {
+    ComponentFile file;
+    file.raw = SplitRawLines(bytes);
+    CheckBytes(bytes, file.raw, file.diagnostics);
+    // Line breaks are the same bytes in every supported code page and no character decodes to
+    // one, so the decoded text splits into the same lines.
+    const std::string decoded = DecodeCodePage(bytes, codePage);
+    for (const RawLine& line : SplitRawLines(decoded)) {
+        file.lines.push_back(decoded.substr(line.offset, line.length));
+    }
+    file.lines.resize(file.raw.size());
+
+    std::size_t i = SkipHeader(file, file.diagnostics);
+    file.attributesBegin = static_cast<std::int32_t>(i);
+    for (; i < file.lines.size() && IsAttributeLine(file.lines[i]); ++i) {
+        if (auto name = VbNameOf(file.lines[i])) file.name = std::move(*name);
+    }
+    file.attributesEnd = static_cast<std::int32_t>(i);
+    for (; i < file.lines.size(); ++i) {
+        if (!IsMemberAttribute(file.lines[i]))
+            file.codeLines.push_back(static_cast<std::int32_t>(i));
+    }
+    return file;
+}
+
+bool IsComponentFileName(std::string_view fileName) {
+    const auto dot = fileName.rfind('.');
+    if (dot == std::string_view::npos) return false;
+    const std::string extension = text::ToLower(fileName.substr(dot + 1));
+    static constexpr std::string_view kKinds[] = {"bas", "cls", "frm", "ctl", "pag", "dob", "dsr"};
+    return std::find(std::begin(kKinds), std::end(kKinds), extension) != std::end(kKinds);
+}
+
+}  // namespace arbolet::disk
