@@ -1,0 +1,122 @@
+// `arbolet code`: the logic-flow tree of each component file, as indented text or JSON.
+#include <CLI/CLI.hpp>
+
+#include "cli/cli_context.h"
+#include "cli/commands.h"
+#include "cli/component_analysis.h"
+#include "cli/display_flags.h"
+#include "cli/json_writer.h"
+#include "cli/terminal_style.h"
+
+namespace arbolet::cli {
+namespace {
+
+struct CodeOptions {
+    std::vector<std::string> files;
+    std::string format = "text";
+    analysis::DisplayOptions display;
+};
+
+void WriteNodeFields(JsonWriter& json, const AnalysedComponent& component,
+                     const analysis::clsLine& line) {
+    json.Key("LineID");
+    json.String(line.LineID);
+    json.Key("LineContent");
+    json.String(line.LineContent);
+    json.Key("LineColour");
+    json.Integer(line.LineColour);
+    json.Key("line");
+    json.OptionalInteger(component.FileLineOf(line));
+}
+
+void WriteJsonTree(JsonWriter& json, const AnalysedComponent& component) {
+    json.BeginArray();
+    analysis::WalkTree(
+        *component.tree.root,
+        [&](const analysis::clsLine& line, int) {
+            json.BeginObject();
+            WriteNodeFields(json, component, line);
+            json.Key("children");
+            json.BeginArray();
+        },
+        [&](const analysis::clsLine&, int) {
+            json.EndArray();
+            json.EndObject();
+        });
+    json.EndArray();
+}
+
+void WriteText(const CliContext& context, const AnalysedComponent& component) {
+    std::ostream& out = context.out;
+    const auto bold = [&](const std::string& s) {
+        return context.colour ? kAnsiBold + s + kAnsiReset : s;
+    };
+    out << bold(component.name) << " (" << DisplayPath(component.path) << ")\n";
+    analysis::WalkTree(*component.tree.root, [&](const analysis::clsLine& line, int depth) {
+        out << std::string(static_cast<std::size_t>(depth) * 2, ' ');
+        const std::string style = context.colour ? AnsiForeground(line.LineColour) : "";
+        out << style << line.LineContent << (style.empty() ? "" : kAnsiReset) << '\n';
+    });
+}
+
+void ReportFileProblems(CliContext& context, const AnalysedComponent& component) {
+    if (component.readError) {
+        context.err << "arbolet: " << *component.readError << '\n';
+        context.Fail(kExitUsage);
+        return;
+    }
+    for (const auto& diagnostic : component.file.diagnostics) {
+        const bool error = diagnostic.severity == disk::FileDiagnostic::Severity::Error;
+        context.err << DisplayPath(component.path) << ':' << diagnostic.line << ": "
+                    << (error ? "error: " : "warning: ") << diagnostic.message << '\n';
+    }
+}
+
+void RunCode(CliContext& context, const CodeOptions& options) {
+    std::optional<JsonWriter> json;
+    if (options.format == "json") {
+        json.emplace(context.out);
+        json->BeginObject();
+        json->Key("components");
+        json->BeginArray();
+    }
+    for (const auto& file : options.files) {
+        const auto component = AnalyseComponentFile(file, context.codePage, options.display);
+        ReportFileProblems(context, component);
+        if (component.readError) continue;
+        if (!json) {
+            WriteText(context, component);
+            continue;
+        }
+        json->BeginObject();
+        json->Key("path");
+        json->String(DisplayPath(component.path));
+        json->Key("name");
+        json->String(component.name);
+        json->Key("code");
+        WriteJsonTree(*json, component);
+        json->EndObject();
+    }
+    if (json) {
+        json->EndArray();
+        json->EndObject();
+        context.out << '\n';
+    }
+}
+
+}  // namespace
+
+void AddCodeCommand(CLI::App& app, CliContext& context) {
+    auto options = std::make_shared<CodeOptions>();
+    CLI::App* command = app.add_subcommand("code", "Print the logic-flow tree of component files");
+    command
+        ->add_option("files", options->files,
+                     "Component files (.bas .cls .frm .ctl .pag .dob .dsr)")
+        ->required();
+    command->add_option("--format", options->format, "Output format")
+        ->check(CLI::IsMember({"text", "json"}));
+    AddDisplayFlags(*command, options->display);
+    command->callback([&context, options] { RunCode(context, *options); });
+}
+
+}  // namespace arbolet::cli

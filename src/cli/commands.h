@@ -1,0 +1,15 @@
+// Registration of the subcommands on the command-line parser.
+#pragma once
+
+namespace CLI {
+class App;
+}
+
+namespace arbolet::cli {
+
+struct CliContext;
+
+void AddCodeCommand(CLI::App& app, CliContext& context);
+void AddCheckCommand(CLI::App& app, CliContext& context);
+
+}  // namespace arbolet::cli
