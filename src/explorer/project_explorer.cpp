@@ -1,0 +1,320 @@
+// Building the project tree from the environment, and the custom folder operations.
+#include "explorer/project_explorer.h"
+
+#include <exception>
+#include <vector>
+
+#include "base/utf8.h"
+
+namespace arbolet::explorer {
+namespace {
+
+// VB's Replace: every non-overlapping occurrence, in one pass from the left, case-sensitive.
+std::string ReplaceAll(std::string_view text, std::string_view find, std::string_view with) {
+    std::string result;
+    std::size_t from = 0;
+    for (std::size_t at = text.find(find); at != std::string_view::npos;
+         at = text.find(find, from)) {
+        result.append(text.substr(from, at - from)).append(with);
+        from = at + find.size();
+    }
+    result.append(text.substr(from));
+    return result;
+}
+
+std::string Bracketed(std::string_view folderName) {
+    return ";" + std::string(folderName) + ";";
+}
+
+std::vector<std::string_view> SplitAt(std::string_view text, char separator) {
+    std::vector<std::string_view> parts;
+    for (std::size_t at = text.find(separator); at != std::string_view::npos;
+         at = text.find(separator)) {
+        parts.push_back(text.substr(0, at));
+        text.remove_prefix(at + 1);
+    }
+    parts.push_back(text);
+    return parts;
+}
+
+void WriteFolderList(env::VBProject& project, std::string_view list) {
+    try {
+        project.WriteProperty(kFolderSection, kFolderProperty, list);
+    } catch (const std::exception&) {
+        // A project that does not take the list keeps its old one; nothing to report.
+    }
+}
+
+}  // namespace
+
+ProjectExplorer::ProjectExplorer(std::shared_ptr<env::VBE> vbe, tree::TreeView& treeView,
+                                 UiServices& ui)
+    : vbe_(std::move(vbe)), treeView_(treeView), ui_(ui) {}
+
+bool ProjectExplorer::NodeExists(std::string_view key) const {
+    return Nodes().Exists(key);
+}
+
+std::string ProjectExplorer::GetComponentFolder(const env::VBComponent& component) const {
+    try {
+        std::string folder = component.ReadProperty(kFolderProperty);
+        if (!folder.empty()) return folder;
+    } catch (const std::exception&) {
+        // No stored folder, or no store at all: the component shows in its fixed group.
+    }
+    return std::string(FixedGroupCaption(component.Type()));
+}
+
+tree::NodeRef ProjectExplorer::GetFolderNode(std::string_view projectName,
+                                             std::string_view folderName) {
+    const std::string projectKey = ProjectKey(projectName);
+    if (!NodeExists(projectKey)) return nullptr;
+    const tree::NodeRef projectNode = Nodes().Item(projectKey);
+    return AddSortedFolderNode(*projectNode, projectName, folderName);
+}
+
+// Folders are ordered by name ignoring case, and a name equal to an existing folder's, in any
+// letter case, is that folder wherever it stands.
+tree::NodeRef ProjectExplorer::AddSortedFolderNode(const tree::Node& projectNode,
+                                                   std::string_view projectName,
+                                                   std::string_view folderName) {
+    const std::string key = FolderKey(folderName, projectName);
+    const std::string wanted = text::ToLower(folderName);
+    const tree::Node* relative = &projectNode;
+    auto relationship = tree::Relationship::Child;
+    for (tree::NodeRef child = projectNode.Child(); child; child = child->Next()) {
+        const std::string name = text::ToLower(KeyField(child->Key(), 1));
+        if (name == wanted) return child;
+        if (name > wanted) {
+            relative = child.get();
+            relationship = tree::Relationship::Previous;
+            break;
+        }
+    }
+    try {
+        return Nodes().Add(relative, relationship, key, folderName);
+    } catch (const std::exception&) {
+        if (NodeExists(key)) return Nodes().Item(key);
+        return nullptr;
+    }
+}
+
+tree::NodeRef ProjectExplorer::AddComponentNode(std::string_view componentName,
+                                                std::string_view folderName,
+                                                std::string_view projectName) {
+    const tree::NodeRef folderNode = GetFolderNode(projectName, folderName);
+    if (!folderNode) return nullptr;
+    const std::string key = ComponentKey(componentName, projectName);
+    tree::NodeRef componentNode = NodeExists(key)
+                                      ? Nodes().Item(key)
+                                      : AddSortedComponentNode(*folderNode, key, componentName);
+    const std::string placeholderKey = PlaceholderKey(key);
+    if (!NodeExists(placeholderKey)) {
+        Nodes().Add(componentNode.get(), tree::Relationship::Child, placeholderKey,
+                    kPlaceholderText);
+    }
+    return componentNode;
+}
+
+// Components are ordered by their lower-cased keys, which begin with the component name.
+tree::NodeRef ProjectExplorer::AddSortedComponentNode(const tree::Node& folderNode,
+                                                      const std::string& key,
+                                                      std::string_view componentName) {
+    const std::string wanted = text::ToLower(key);
+    const tree::Node* relative = &folderNode;
+    auto relationship = tree::Relationship::Child;
+    for (tree::NodeRef child = folderNode.Child(); child; child = child->Next()) {
+        if (text::ToLower(child->Key()) > wanted) {
+            relative = child.get();
+            relationship = tree::Relationship::Previous;
+            break;
+        }
+    }
+    return Nodes().Add(relative, relationship, key, componentName, kComponentImage,
+                       kComponentImage);
+}
+
+std::string ProjectExplorer::ReadFolderList(const env::VBProject& project) {
+    try {
+        return project.ReadProperty(kFolderSection, kFolderProperty);
+    } catch (const std::exception&) {
+        return {};
+    }
+}
+
+void ProjectExplorer::LoadProject(const env::VBProject& project) {
+    try {
+        const std::string projectName = project.Name();
+        const std::string projectKey = ProjectKey(projectName);
+        tree::NodeRef projectNode = NodeExists(projectKey)
+                                        ? Nodes().Item(projectKey)
+                                        : Nodes().Add(nullptr, tree::Relationship::Last, projectKey,
+                                                      projectName, kProjectImage, kProjectImage);
+        LoadFolders(project, projectName);
+        LoadComponents(project, projectName);
+        MarkStartProject(projectName, *projectNode);
+    } catch (const std::exception&) {
+        // A project the environment cannot describe keeps whatever part of it was built.
+    }
+}
+
+// Every persisted folder is shown, also when no component is in it.
+void ProjectExplorer::LoadFolders(const env::VBProject& project, const std::string& projectName) {
+    const std::string list = ReadFolderList(project);
+    for (std::string_view element : SplitAt(list, ';')) {
+        const std::string_view folderName = text::Trim(element);
+        if (!folderName.empty()) GetFolderNode(projectName, folderName);
+    }
+}
+
+void ProjectExplorer::LoadComponents(const env::VBProject& project,
+                                     const std::string& projectName) {
+    const auto components = project.VBComponents();
+    if (!components) return;
+    const std::int32_t count = components->Count();
+    for (std::int32_t i = 1; i <= count; ++i) {
+        try {
+            const env::VBComponentRef component = components->Item(i);
+            AddComponentNode(ComponentDisplayName(*component), GetComponentFolder(*component),
+                             projectName);
+        } catch (const std::exception&) {
+            // One component the environment cannot describe does not keep the others out.
+        }
+    }
+}
+
+void ProjectExplorer::MarkStartProject(const std::string& projectName,
+                                       tree::Node& projectNode) const {
+    if (!vbe_) return;
+    const env::VBProjectRef start = vbe_->VBProjects()->StartProject();
+    if (start && start->Name() == projectName) projectNode.SetBold(true);
+}
+
+void ProjectExplorer::TakeEventSources() {
+    try {
+        const auto events = vbe_->Events();
+        compEvents = events->VBComponentsEvents(vbe_->ActiveVBProject());
+        projEvents = events->VBProjectsEvents();
+    } catch (const std::exception&) {
+        // Without event sources the tree is still built; it is just not kept current.
+    }
+}
+
+void ProjectExplorer::RefreshProjects() {
+    if (vbe_) TakeEventSources();
+    treeView_.SetVisible(false);
+    if (vbe_) {
+        Nodes().Clear();
+        try {
+            const auto projects = vbe_->VBProjects();
+            const std::int32_t count = projects->Count();
+            for (std::int32_t i = 1; i <= count; ++i)
+                LoadProject(*projects->Item(i));
+        } catch (const std::exception&) {
+            // The projects loaded so far stay in the tree.
+        }
+    }
+    treeView_.SetVisible(true);
+}
+
+void ProjectExplorer::AddProjectFolder(env::VBProject& project, std::string_view folderName) {
+    std::string list = ReadFolderList(project);
+    if (list.find(Bracketed(folderName)) == std::string::npos) {
+        // Joining may double a separator (an empty list, a list without closing ";"); one pass
+        // of the replacement removes it. An empty name can leave an empty entry, which loading
+        // skips.
+        list = ReplaceAll(list + Bracketed(folderName), ";;", ";");
+    }
+    WriteFolderList(project, list);
+}
+
+void ProjectExplorer::RemoveProjectFolder(env::VBProject& project, std::string_view folderName) {
+    const std::string list = ReadFolderList(project);
+    WriteFolderList(project, ReplaceAll(list, Bracketed(folderName), ";"));
+}
+
+void ProjectExplorer::SetComponentFolder(env::VBComponent& component, std::string_view folderName) {
+    std::string current;
+    try {
+        current = GetComponentFolder(component);
+    } catch (const std::exception&) {
+        return;
+    }
+    if (text::ToLower(current) == text::ToLower(folderName)) return;
+    try {
+        component.WriteProperty(kFolderProperty, folderName);
+    } catch (const std::exception&) {
+        ui_.MsgBox("The component '" + ComponentDisplayName(component) +
+                       "' does not support extended properties.",
+                   MsgBoxIcon::Information, "Unable to set folder");
+        return;
+    }
+    try {
+        AddProjectFolder(*env::ProjectOf(component), folderName);
+    } catch (const std::exception&) {
+        // A component without project has no list to record the folder in.
+    }
+}
+
+void ProjectExplorer::AddFolder(env::VBProject& project, std::string_view folderName) {
+    try {
+        GetFolderNode(project.Name(), folderName);
+    } catch (const std::exception&) {
+        // The folder is still recorded and shows at the next reload.
+    }
+    AddProjectFolder(project, folderName);
+}
+
+void ProjectExplorer::RemoveFolder(env::VBProject& project, std::string_view folderName) {
+    RemoveProjectFolder(project, folderName);
+    const std::string wanted = text::ToLower(folderName);
+    if (const auto components = project.VBComponents()) {
+        const std::int32_t count = components->Count();
+        for (std::int32_t i = 1; i <= count; ++i) {
+            try {
+                const env::VBComponentRef component = components->Item(i);
+                if (text::ToLower(GetComponentFolder(*component)) == wanted) {
+                    SetComponentFolder(*component, "");
+                }
+            } catch (const std::exception&) {
+                // A component that cannot be read or changed stays where it is.
+            }
+        }
+    }
+    RefreshProjects();
+}
+
+// Asks until the answer is empty (also Cancel) or a valid name.
+std::string ProjectExplorer::AskFolderName() {
+    std::string answer = "New Folder";
+    while (true) {
+        answer = ui_.InputBox(
+            "Enter the name of the new folder you want to add:", "Enter Folder Name", answer);
+        if (answer.empty() || IsValidFolderName(answer)) return answer;
+        ui_.MsgBox("Not a valid folder name, please try again.", MsgBoxIcon::Information,
+                   "Invalid Folder Name");
+    }
+}
+
+void ProjectExplorer::NewFolder(std::string_view nodeKey) {
+    if (nodeKey.empty()) {
+        ui_.Beep();
+        return;
+    }
+    try {
+        if (!NodeExists(nodeKey)) return;
+        tree::NodeRef node = Nodes().Item(nodeKey);
+        while (!node->Key().starts_with(kProjectKeyPrefix)) {
+            node = node->Parent();
+            if (!node) return;
+        }
+        const std::string folderName = AskFolderName();
+        if (folderName.empty() || !vbe_) return;
+        const std::string projectName(KeyField(node->Key(), 1));
+        AddFolder(*vbe_->VBProjects()->Item(projectName), folderName);
+    } catch (const std::exception&) {
+        // A project that has gone meanwhile gets no folder.
+    }
+}
+
+}  // namespace arbolet::explorer

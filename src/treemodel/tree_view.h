@@ -1,0 +1,121 @@
+// The tree view that shows the project tree, shaped like the common controls TreeView and its
+// Nodes collection, so that the explorer runs unchanged over the Win32 control and in memory.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace arbolet::tree {
+
+// Where Nodes.Add places a node relative to another (the control's tvwFirst .. tvwChild).
+enum class Relationship : std::int32_t {
+    First = 0,     // first sibling of the relative
+    Last = 1,      // last sibling of the relative
+    Next = 2,      // right after the relative
+    Previous = 3,  // right before the relative
+    Child = 4,     // last child of the relative
+};
+
+// The control's error numbers, raised as arbolet::VbError.
+namespace treeerr {
+inline constexpr std::int32_t kIndexOutOfBounds = 35600;
+inline constexpr std::int32_t kElementNotFound = 35601;
+inline constexpr std::int32_t kKeyNotUnique = 35602;
+inline constexpr std::int32_t kNodeDeleted = 35605;
+// VB's own "Invalid procedure call or argument", for a relationship outside 0 to 4.
+inline constexpr std::int32_t kInvalidProcedureCall = 5;
+}  // namespace treeerr
+
+// The colour a node has until one is set: the system's window text colour.
+inline constexpr std::int32_t kWindowTextColour = static_cast<std::int32_t>(0x80000008u);
+
+class Node;
+using NodeRef = std::shared_ptr<Node>;
+
+// One node. Every member raises kNodeDeleted once the node has been removed from its tree.
+class Node {
+  public:
+    virtual ~Node() = default;
+
+    virtual std::string Key() const = 0;
+    virtual std::string Text() const = 0;
+    virtual void SetText(std::string_view text) = 0;
+    virtual bool Bold() const = 0;
+    virtual void SetBold(bool bold) = 0;
+    // ImageList indexes; nullopt for no picture.
+    virtual std::optional<std::int32_t> Image() const = 0;
+    virtual void SetImage(std::optional<std::int32_t> image) = 0;
+    virtual std::optional<std::int32_t> SelectedImage() const = 0;
+    virtual void SetSelectedImage(std::optional<std::int32_t> image) = 0;
+    // A Windows colour value (blue in the high byte).
+    virtual std::int32_t ForeColor() const = 0;
+    virtual void SetForeColor(std::int32_t colour) = 0;
+    virtual std::string Tag() const = 0;
+    virtual void SetTag(std::string_view tag) = 0;
+    virtual bool Expanded() const = 0;
+    virtual void SetExpanded(bool expanded) = 0;
+    virtual bool Selected() const = 0;
+    virtual void SetSelected(bool selected) = 0;
+    // Expands the ancestors and scrolls the node into view.
+    virtual void EnsureVisible() = 0;
+
+    // 1-based position in the Nodes collection.
+    virtual std::int32_t Index() const = 0;
+    // Relatives; nullptr stands for Nothing.
+    virtual NodeRef Parent() const = 0;
+    virtual NodeRef Child() const = 0;  // the first child
+    virtual NodeRef Next() const = 0;
+    virtual NodeRef Previous() const = 0;
+    virtual NodeRef FirstSibling() const = 0;
+    virtual NodeRef LastSibling() const = 0;
+    virtual NodeRef Root() const = 0;  // the top-level ancestor, or the node itself
+    virtual std::int32_t Children() const = 0;
+};
+
+// The keyed collection of all nodes of one tree. Keys are compared exactly (case-sensitive).
+class Nodes {
+  public:
+    virtual ~Nodes() = default;
+
+    // Adds a node relative to `relative` (nullptr: at the end of the top level). An empty key
+    // adds a node without key; a key already in use raises kKeyNotUnique.
+    virtual NodeRef Add(const Node* relative, Relationship relationship, std::string_view key,
+                        std::string_view text, std::optional<std::int32_t> image = std::nullopt,
+                        std::optional<std::int32_t> selectedImage = std::nullopt) = 0;
+    // The same with the relative given by key; an unknown relative key raises kElementNotFound.
+    NodeRef Add(std::string_view relativeKey, Relationship relationship, std::string_view key,
+                std::string_view text, std::optional<std::int32_t> image = std::nullopt,
+                std::optional<std::int32_t> selectedImage = std::nullopt);
+
+    virtual std::int32_t Count() const = 0;
+    // Look-up by key (raises kElementNotFound) or by 1-based index (raises kIndexOutOfBounds).
+    virtual NodeRef Item(std::string_view key) const = 0;
+    virtual NodeRef Item(std::int32_t index) const = 0;
+    // Whether a node has the key; look-up without raising.
+    virtual bool Exists(std::string_view key) const = 0;
+
+    // Removes the node and all its descendants.
+    virtual void Remove(const Node& node) = 0;
+    void Remove(std::string_view key) { Remove(*Item(key)); }
+    void Remove(std::int32_t index) { Remove(*Item(index)); }
+    virtual void Clear() = 0;
+};
+
+// The control itself: its nodes and the little of its own state the explorer touches.
+class TreeView {
+  public:
+    virtual ~TreeView() = default;
+    virtual tree::Nodes& Nodes() = 0;
+    virtual bool Visible() const = 0;
+    virtual void SetVisible(bool visible) = 0;
+    // The selected node, nullptr when none is.
+    virtual NodeRef SelectedItem() const = 0;
+};
+
+// The first top-level node, nullptr for an empty tree.
+NodeRef FirstRoot(const tree::Nodes& nodes);
+
+}  // namespace arbolet::tree

@@ -1,0 +1,200 @@
+// The in-memory tree view: placement by relationship, keys, indexes, removal and node state.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "base/vb_error.h"
+#include "treemodel/memory_tree.h"
+
+namespace arbolet::tree {
+namespace {
+
+// The shape of the tree as text: top-level nodes by key, children in parentheses.
+std::string Shape(const NodeRef& first) {
+    std::string out;
+    for (NodeRef node = first; node; node = node->Next()) {
+        if (!out.empty()) out += ",";
+        out += node->Key();
+        if (node->Children() > 0) out += "(" + Shape(node->Child()) + ")";
+    }
+    return out;
+}
+
+std::string Shape(const Nodes& nodes) {
+    return Shape(FirstRoot(nodes));
+}
+
+std::int32_t ErrorNumber(auto&& call) {
+    try {
+        call();
+    } catch (const VbError& e) {
+        return e.Number;
+    }
+    return 0;
+}
+
+TEST(MemoryTree, PlacesNodesByRelationship) {
+    MemoryNodes nodes;
+    nodes.Add(nullptr, Relationship::Last, "B", "b");
+    nodes.Add("B", Relationship::Previous, "A", "a");
+    nodes.Add("B", Relationship::Next, "D", "d");
+    nodes.Add("D", Relationship::Previous, "C", "c");
+    nodes.Add("C", Relationship::First, "0", "zero");
+    nodes.Add("0", Relationship::Last, "E", "e");
+    nodes.Add("B", Relationship::Child, "B2", "b2");
+    nodes.Add("B2", Relationship::Previous, "B1", "b1");
+    nodes.Add("B", Relationship::Child, "B3", "b3");
+    nodes.Add("B1", Relationship::Child, "B1a", "b1a");
+    EXPECT_EQ(Shape(nodes), "0,A,B(B1(B1a),B2,B3),C,D,E");
+
+    const NodeRef b2 = nodes.Item("B2");
+    EXPECT_EQ(b2->Parent()->Key(), "B");
+    EXPECT_EQ(b2->Previous()->Key(), "B1");
+    EXPECT_EQ(b2->Next()->Key(), "B3");
+    EXPECT_EQ(b2->FirstSibling()->Key(), "B1");
+    EXPECT_EQ(b2->LastSibling()->Key(), "B3");
+    EXPECT_EQ(nodes.Item("B1a")->Root()->Key(), "B");
+    EXPECT_EQ(nodes.Item("B")->Children(), 3);
+    EXPECT_EQ(nodes.Item("B")->Child()->Key(), "B1");
+    EXPECT_EQ(nodes.Item("A")->Parent(), nullptr);
+    EXPECT_EQ(nodes.Item("0")->Previous(), nullptr);
+    EXPECT_EQ(nodes.Item("E")->Next(), nullptr);
+    EXPECT_EQ(nodes.Item("B3")->Child(), nullptr);
+}
+
+TEST(MemoryTree, IndexesFollowTheOrderOfAddition) {
+    MemoryNodes nodes;
+    nodes.Add(nullptr, Relationship::Last, "second", "");
+    nodes.Add("second", Relationship::Previous, "first", "");
+    EXPECT_EQ(nodes.Count(), 2);
+    EXPECT_EQ(nodes.Item("second")->Index(), 1);
+    EXPECT_EQ(nodes.Item("first")->Index(), 2);
+    EXPECT_EQ(nodes.Item(2)->Key(), "first");
+    EXPECT_EQ(ErrorNumber([&] { nodes.Item(0); }), treeerr::kIndexOutOfBounds);
+    EXPECT_EQ(ErrorNumber([&] { nodes.Item(3); }), treeerr::kIndexOutOfBounds);
+}
+
+TEST(MemoryTree, KeysAreUniqueAndExact) {
+    MemoryNodes nodes;
+    nodes.Add(nullptr, Relationship::Last, "Key", "one");
+    EXPECT_EQ(ErrorNumber([&] { nodes.Add(nullptr, Relationship::Last, "Key", "two"); }),
+              treeerr::kKeyNotUnique);
+    EXPECT_EQ(nodes.Count(), 1);
+    EXPECT_EQ(nodes.Item("Key")->Text(), "one");
+
+    nodes.Add(nullptr, Relationship::Last, "key", "lower case is another key");
+    EXPECT_TRUE(nodes.Exists("key"));
+    EXPECT_FALSE(nodes.Exists("KEY"));
+    EXPECT_EQ(ErrorNumber([&] { nodes.Item("KEY"); }), treeerr::kElementNotFound);
+
+    nodes.Add(nullptr, Relationship::Last, "", "no key");
+    nodes.Add(nullptr, Relationship::Last, "", "no key either");
+    EXPECT_EQ(nodes.Count(), 4);
+    EXPECT_FALSE(nodes.Exists(""));
+}
+
+TEST(MemoryTree, RejectsBadRelativesAndRelationships) {
+    MemoryNodes nodes;
+    MemoryNodes other;
+    const NodeRef stranger = other.Add(nullptr, Relationship::Last, "S", "");
+    nodes.Add(nullptr, Relationship::Last, "A", "");
+    EXPECT_EQ(ErrorNumber([&] { nodes.Add(stranger.get(), Relationship::Child, "X", ""); }),
+              treeerr::kElementNotFound);
+    EXPECT_EQ(ErrorNumber([&] { nodes.Add("missing", Relationship::Child, "X", ""); }),
+              treeerr::kElementNotFound);
+    EXPECT_EQ(ErrorNumber([&] { nodes.Add("A", static_cast<Relationship>(7), "X", ""); }),
+              treeerr::kInvalidProcedureCall);
+    EXPECT_FALSE(nodes.Exists("X"));
+    EXPECT_EQ(nodes.Count(), 1);
+}
+
+TEST(MemoryTree, RemovesNodesWithTheirDescendants) {
+    MemoryNodes nodes;
+    nodes.Add(nullptr, Relationship::Last, "A", "");
+    nodes.Add("A", Relationship::Child, "A1", "");
+    nodes.Add("A1", Relationship::Child, "A1x", "");
+    nodes.Add("A", Relationship::Child, "A2", "");
+    nodes.Add(nullptr, Relationship::Last, "B", "");
+    const NodeRef a1 = nodes.Item("A1");
+    const NodeRef a1x = nodes.Item("A1x");
+    a1x->SetSelected(true);
+
+    nodes.Remove("A1");
+    EXPECT_EQ(Shape(nodes), "A(A2),B");
+    EXPECT_EQ(nodes.Count(), 3);
+    EXPECT_EQ(nodes.Item("A")->Children(), 1);
+    EXPECT_EQ(nodes.Item("A2")->Previous(), nullptr);
+    EXPECT_FALSE(nodes.Exists("A1x"));
+    EXPECT_EQ(nodes.Item("A2")->Index(), 2);
+    EXPECT_EQ(nodes.Item("B")->Index(), 3);
+    EXPECT_EQ(nodes.SelectedNode(), nullptr);
+    EXPECT_EQ(ErrorNumber([&] { a1->Key(); }), treeerr::kNodeDeleted);
+    EXPECT_EQ(ErrorNumber([&] { a1x->Parent(); }), treeerr::kNodeDeleted);
+    EXPECT_EQ(ErrorNumber([&] { nodes.Remove(*a1); }), treeerr::kNodeDeleted);
+
+    // The key is free again.
+    nodes.Add("B", Relationship::Previous, "A1", "again");
+    EXPECT_EQ(Shape(nodes), "A(A2),A1,B");
+
+    nodes.Remove(1);
+    EXPECT_EQ(Shape(nodes), "A1,B");
+    EXPECT_EQ(nodes.Item("A1")->Previous(), nullptr);
+}
+
+TEST(MemoryTree, ClearAndDestructionLeaveNoUsableNodes) {
+    auto nodes = std::make_unique<MemoryNodes>();
+    nodes->Add(nullptr, Relationship::Last, "A", "");
+    const NodeRef child = nodes->Add("A", Relationship::Child, "B", "");
+    nodes->Clear();
+    EXPECT_EQ(nodes->Count(), 0);
+    EXPECT_EQ(FirstRoot(*nodes), nullptr);
+    EXPECT_EQ(ErrorNumber([&] { child->Text(); }), treeerr::kNodeDeleted);
+
+    const NodeRef survivor = nodes->Add(nullptr, Relationship::Last, "A", "");
+    EXPECT_EQ(Shape(*nodes), "A");
+    nodes.reset();
+    EXPECT_EQ(ErrorNumber([&] { survivor->Next(); }), treeerr::kNodeDeleted);
+}
+
+TEST(MemoryTree, KeepsNodeState) {
+    MemoryTreeView view;
+    Nodes& nodes = view.Nodes();
+    const NodeRef top = nodes.Add(nullptr, Relationship::Last, "T", "top", 1, 3);
+    const NodeRef middle = nodes.Add(top.get(), Relationship::Child, "M", "middle");
+    const NodeRef leaf = nodes.Add(middle.get(), Relationship::Child, "L", "leaf");
+
+    EXPECT_EQ(top->Image(), 1);
+    EXPECT_EQ(top->SelectedImage(), 3);
+    EXPECT_EQ(middle->Image(), std::nullopt);
+    EXPECT_EQ(leaf->ForeColor(), kWindowTextColour);
+    EXPECT_FALSE(top->Bold());
+
+    leaf->SetText("renamed");
+    leaf->SetBold(true);
+    leaf->SetForeColor(0x0000FF);
+    leaf->SetTag("tag");
+    leaf->SetImage(2);
+    EXPECT_EQ(leaf->Text(), "renamed");
+    EXPECT_TRUE(leaf->Bold());
+    EXPECT_EQ(leaf->ForeColor(), 0x0000FF);
+    EXPECT_EQ(leaf->Tag(), "tag");
+    EXPECT_EQ(leaf->Image(), 2);
+
+    leaf->EnsureVisible();
+    EXPECT_TRUE(top->Expanded());
+    EXPECT_TRUE(middle->Expanded());
+    EXPECT_FALSE(leaf->Expanded());
+
+    leaf->SetSelected(true);
+    middle->SetSelected(true);
+    EXPECT_FALSE(leaf->Selected());
+    EXPECT_EQ(view.SelectedItem(), middle);
+    middle->SetSelected(false);
+    EXPECT_EQ(view.SelectedItem(), nullptr);
+
+    view.SetVisible(false);
+    EXPECT_FALSE(view.Visible());
+}
+
+}  // namespace
+}  // namespace arbolet::tree
