@@ -3,9 +3,9 @@
 #include "environment/memory_environment.h"
 
 #include <algorithm>
-#include <map>
 
 #include "base/utf8.h"
+#include "environment/event_hub.h"
 
 namespace arbolet::env {
 namespace {
@@ -57,48 +57,6 @@ class MemoryCodeModule final : public CodeModule {
 };
 
 }  // namespace
-
-// ---- events ----
-
-class MemoryEvents final : public Events {
-  public:
-    std::shared_ptr<env::VBProjectsEvents> VBProjectsEvents() override { return projects_; }
-
-    std::shared_ptr<env::VBComponentsEvents> VBComponentsEvents(
-        const VBProjectRef& project) override {
-        auto& source = components_[project.get()];
-        if (!source) source = std::make_shared<env::VBComponentsEvents>();
-        return source;
-    }
-
-    std::shared_ptr<env::CommandBarEvents> CommandBarEvents(
-        const CommandBarControlRef& control) override {
-        auto& source = commandBars_[control.get()];
-        if (!source) source = std::make_shared<env::CommandBarEvents>();
-        return source;
-    }
-
-    template <typename Deliver>
-    void RaiseProjectEvent(Deliver&& deliver) {
-        projects_->Raise(deliver);
-    }
-
-    // Component events go to the project's own source and to the source for every project.
-    template <typename Deliver>
-    void RaiseComponentEvent(const VBProject* project, Deliver&& deliver) {
-        for (const VBProject* key : {project, static_cast<const VBProject*>(nullptr)}) {
-            auto found = components_.find(key);
-            if (found != components_.end()) found->second->Raise(deliver);
-        }
-    }
-
-    void ForgetProject(const VBProject* project) { components_.erase(project); }
-
-  private:
-    std::shared_ptr<env::VBProjectsEvents> projects_ = std::make_shared<env::VBProjectsEvents>();
-    std::map<const VBProject*, std::shared_ptr<env::VBComponentsEvents>> components_;
-    std::map<const CommandBarControl*, std::shared_ptr<env::CommandBarEvents>> commandBars_;
-};
 
 // ---- collections ----
 
@@ -213,7 +171,7 @@ std::shared_ptr<env::VBProjects> MemoryProject::Collection() const {
     return collection_.lock();
 }
 
-std::shared_ptr<MemoryEvents> MemoryProject::EventsOrNull() const {
+std::shared_ptr<EventHub> MemoryProject::EventsOrNull() const {
     return events_.lock();
 }
 
@@ -261,7 +219,7 @@ void MemoryProject::RenameComponent(const VBComponentRef& component, std::string
 // ---- MemoryEnvironment ----
 
 MemoryEnvironment::MemoryEnvironment()
-    : projects_(std::make_shared<MemoryProjects>()), events_(std::make_shared<MemoryEvents>()) {}
+    : projects_(std::make_shared<MemoryProjects>()), events_(std::make_shared<EventHub>()) {}
 
 std::shared_ptr<MemoryEnvironment> MemoryEnvironment::Create() {
     return std::shared_ptr<MemoryEnvironment>(new MemoryEnvironment());

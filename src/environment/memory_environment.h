@@ -18,7 +18,7 @@ namespace arbolet::env {
 class MemoryEnvironment;
 class MemoryProject;
 class MemoryProjects;
-class MemoryEvents;
+class EventHub;
 
 class MemoryComponent final : public VBComponent,
                               public std::enable_shared_from_this<MemoryComponent> {
@@ -75,14 +75,14 @@ class MemoryProject final : public VBProject, public std::enable_shared_from_thi
     friend class MemoryEnvironment;
     class Components;
 
-    std::shared_ptr<MemoryEvents> EventsOrNull() const;
+    std::shared_ptr<EventHub> EventsOrNull() const;
 
     std::string name_;
     std::string fileName_;
     std::map<std::pair<std::string, std::string>, std::string> properties_;  // lower-case keys
     std::shared_ptr<Components> components_;
     std::weak_ptr<MemoryProjects> collection_;
-    std::weak_ptr<MemoryEvents> events_;
+    std::weak_ptr<EventHub> events_;
 };
 
 class MemoryEnvironment final : public VBE, public std::enable_shared_from_this<MemoryEnvironment> {
@@ -107,7 +107,7 @@ class MemoryEnvironment final : public VBE, public std::enable_shared_from_this<
     MemoryEnvironment();
 
     std::shared_ptr<MemoryProjects> projects_;
-    std::shared_ptr<MemoryEvents> events_;
+    std::shared_ptr<EventHub> events_;
     std::weak_ptr<VBProject> active_;
 };
 

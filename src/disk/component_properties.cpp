@@ -1,0 +1,139 @@
+// Reading and writing VB_Ext_KEY module attributes (see component_properties.h).
+#include "disk/component_properties.h"
+
+#include "base/utf8.h"
+#include "base/vb_error.h"
+#include "disk/codepage.h"
+#include "environment/vbide.h"
+
+namespace arbolet::disk {
+namespace {
+
+// A cursor over one attribute line.
+class Scanner {
+  public:
+    explicit Scanner(std::string_view text) : text_(text) {}
+
+    void SkipBlanks() {
+        while (!text_.empty() && (text_.front() == ' ' || text_.front() == '\t')) {
+            text_.remove_prefix(1);
+        }
+    }
+    bool Word(std::string_view lowerWord) {
+        SkipBlanks();
+        if (text_.size() < lowerWord.size() ||
+            text::ToLower(text_.substr(0, lowerWord.size())) != lowerWord) {
+            return false;
+        }
+        text_.remove_prefix(lowerWord.size());
+        return true;
+    }
+    bool Symbol(char symbol) {
+        SkipBlanks();
+        if (text_.empty() || text_.front() != symbol) return false;
+        text_.remove_prefix(1);
+        return true;
+    }
+    // A VB string literal, with "" standing for one quote.
+    std::optional<std::string> StringLiteral() {
+        if (!Symbol('"')) return std::nullopt;
+        std::string value;
+        while (!text_.empty()) {
+            const char c = text_.front();
+            text_.remove_prefix(1);
+            if (c != '"') {
+                value += c;
+            } else if (!text_.empty() && text_.front() == '"') {
+                value += '"';
+                text_.remove_prefix(1);
+            } else {
+                return value;
+            }
+        }
+        return std::nullopt;
+    }
+    bool AtEnd() {
+        SkipBlanks();
+        return text_.empty();
+    }
+    bool StartsWithBlank() const {
+        return !text_.empty() && (text_.front() == ' ' || text_.front() == '\t');
+    }
+
+  private:
+    std::string_view text_;
+};
+
+std::string Quoted(std::string_view text) {
+    std::string quoted = "\"";
+    for (const char c : text) {
+        quoted += c;
+        if (c == '"') quoted += '"';
+    }
+    return quoted + "\"";
+}
+
+}  // namespace
+
+std::optional<std::pair<std::string, std::string>> ParseExtKeyAttribute(std::string_view line) {
+    Scanner scanner(line);
+    if (!scanner.Word("attribute") || !scanner.StartsWithBlank()) return std::nullopt;
+    if (!scanner.Word("vb_ext_key") || !scanner.Symbol('=')) return std::nullopt;
+    auto key = scanner.StringLiteral();
+    if (!key || !scanner.Symbol(',')) return std::nullopt;
+    auto value = scanner.StringLiteral();
+    if (!value || !scanner.AtEnd()) return std::nullopt;
+    return std::pair{std::move(*key), std::move(*value)};
+}
+
+std::string FormatExtKeyAttribute(std::string_view key, std::string_view value) {
+    return "Attribute VB_Ext_KEY = " + Quoted(key) + " ," + Quoted(value);
+}
+
+ComponentText::ComponentText(std::string bytes, int codePage)
+    : editor_(std::move(bytes)), codePage_(codePage) {
+    file_ = ParseComponentFile(editor_.Bytes(), codePage_);
+}
+
+std::optional<std::size_t> ComponentText::FindPropertyLine(std::string_view key) const {
+    const std::string wanted = text::ToLower(key);
+    for (auto i = file_.attributesBegin; i < file_.attributesEnd; ++i) {
+        const auto parsed = ParseExtKeyAttribute(file_.lines[static_cast<std::size_t>(i)]);
+        if (parsed && text::ToLower(parsed->first) == wanted) return static_cast<std::size_t>(i);
+    }
+    return std::nullopt;
+}
+
+std::optional<std::string> ComponentText::ReadProperty(std::string_view key) const {
+    const auto line = FindPropertyLine(key);
+    if (!line) return std::nullopt;
+    return ParseExtKeyAttribute(file_.lines[*line])->second;
+}
+
+bool ComponentText::WriteProperty(std::string_view key, std::string_view value) {
+    constexpr const char* kSource = "VBComponent.WriteProperty";
+    if (key.find_first_of("\r\n") != std::string_view::npos ||
+        value.find_first_of("\r\n") != std::string_view::npos) {
+        throw VbError(env::enverr::kInvalidProcedureCall, kSource,
+                      "An extended property cannot hold a line break");
+    }
+    const auto line = FindPropertyLine(key);
+    const std::string keyAsWritten =
+        line ? ParseExtKeyAttribute(file_.lines[*line])->first : std::string(key);
+    if (line && ParseExtKeyAttribute(file_.lines[*line])->second == value) return false;
+    const auto encoded = EncodeCodePage(FormatExtKeyAttribute(keyAsWritten, value), codePage_);
+    if (!encoded) {
+        throw VbError(env::enverr::kInvalidProcedureCall, kSource,
+                      "'" + std::string(value) + "' cannot be written in code page " +
+                          std::to_string(codePage_));
+    }
+    if (line) {
+        editor_.ReplaceContent(*line, *encoded);
+    } else {
+        editor_.InsertLine(static_cast<std::size_t>(file_.attributesEnd), *encoded);
+    }
+    file_ = ParseComponentFile(editor_.Bytes(), codePage_);
+    return true;
+}
+
+}  // namespace arbolet::disk

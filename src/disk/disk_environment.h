@@ -1,0 +1,75 @@
+// The environment over VB6 files on disk: .vbp projects and .vbg groups opened as the IDE would
+// open them, with their components, code and extended properties. Changes stay in memory until
+// Save, which rewrites the changed files atomically and changes only the lines it must.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "disk/codepage.h"
+#include "environment/vbide.h"
+
+namespace arbolet::env {
+class EventHub;
+}
+
+namespace arbolet::disk {
+
+// Something wrong with a file that did not keep the projects from loading.
+struct LoadWarning {
+    std::string file;       // the file as the user named it, or as the project or group names it
+    std::int32_t line = 0;  // 1-based; 0 when it concerns the whole file
+    std::string message;
+
+    // "file:line: message", or "file: message" without line.
+    std::string ToString() const;
+};
+
+class DiskProject;
+class DiskProjects;
+
+class DiskEnvironment final : public env::VBE,
+                              public std::enable_shared_from_this<DiskEnvironment> {
+  public:
+    // Opens .vbp and .vbg files, in the order given; a group's projects come in the order it
+    // lists them. The group's start-up project, else the first project, is the start-up
+    // project. Raises FileError for a file that cannot be read or that is no project or group.
+    static std::shared_ptr<DiskEnvironment> Open(const std::vector<std::filesystem::path>& files,
+                                                 int codePage = kDefaultCodePage);
+
+    std::shared_ptr<env::VBProjects> VBProjects() const override;
+    env::VBProjectRef ActiveVBProject() const override { return active_.lock(); }
+    void SetActiveVBProject(const env::VBProjectRef& project) override { active_ = project; }
+    std::shared_ptr<env::Events> Events() const override;
+    std::shared_ptr<env::CommandBars> CommandBars() const override { return nullptr; }
+
+    // Opens one more project file (VBProjects.AddFromFile) and raises ItemAdded.
+    env::VBProjectRef AddFromFile(const std::filesystem::path& projectFile);
+
+    const std::vector<LoadWarning>& Warnings() const { return warnings_; }
+    // The files whose bytes differ from what was read.
+    std::vector<std::filesystem::path> ChangedFiles() const;
+    // Writes every changed file. Before writing anything it checks that each still exists, is
+    // writable and holds what was read; a failure raises FileError and leaves every file as it
+    // was (files already rewritten get their old bytes back).
+    void Save();
+
+  private:
+    explicit DiskEnvironment(int codePage);
+
+    void OpenGroup(const std::filesystem::path& groupFile);
+    std::shared_ptr<DiskProject> LoadProject(const std::filesystem::path& projectFile,
+                                             const std::string& shownAs);
+    bool IsOpen(const std::filesystem::path& projectFile) const;
+
+    int codePage_;
+    std::shared_ptr<DiskProjects> projects_;
+    std::shared_ptr<env::EventHub> events_;
+    std::weak_ptr<env::VBProject> active_;
+    std::vector<LoadWarning> warnings_;
+};
+
+}  // namespace arbolet::disk

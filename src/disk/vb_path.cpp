@@ -1,0 +1,105 @@
+// Case-insensitive resolution of the paths in project and group files (see vb_path.h).
+#include "disk/vb_path.h"
+
+#include <system_error>
+#include <vector>
+
+#include "base/utf8.h"
+
+namespace arbolet::disk {
+namespace fs = std::filesystem;
+namespace {
+
+std::vector<std::string_view> SplitParts(std::string_view path) {
+    std::vector<std::string_view> parts;
+    std::size_t start = 0;
+    for (std::size_t i = 0; i <= path.size(); ++i) {
+        if (i == path.size() || path[i] == '\\' || path[i] == '/') {
+            if (i > start) parts.push_back(path.substr(start, i - start));
+            start = i + 1;
+        }
+    }
+    return parts;
+}
+
+bool HasDriveLetter(std::string_view path) {
+    return path.size() >= 2 && path[1] == ':' &&
+           ((path[0] >= 'A' && path[0] <= 'Z') || (path[0] >= 'a' && path[0] <= 'z'));
+}
+
+// The entry of `folder` whose name equals `part` ignoring letter case.
+std::optional<fs::path> FindIgnoringCase(const fs::path& folder, std::string_view part) {
+    const std::string wanted = text::ToLower(part);
+    std::error_code ec;
+    for (fs::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec)) {
+        if (text::ToLower(PathToUtf8(it->path().filename())) == wanted) return it->path();
+    }
+    return std::nullopt;
+}
+
+// Where resolution starts: the folder for a relative path, a root for an absolute one.
+std::optional<fs::path> StartOf(const fs::path& folder, std::string_view vbPath,
+                                [[maybe_unused]] std::vector<std::string_view>& parts) {
+    if (HasDriveLetter(vbPath)) {
+#ifdef _WIN32
+        parts.erase(parts.begin());
+        return PathFromUtf8(std::string(vbPath.substr(0, 2)) + "\\");
+#else
+        return std::nullopt;
+#endif
+    }
+    if (!vbPath.empty() && (vbPath[0] == '\\' || vbPath[0] == '/')) {
+#ifdef _WIN32
+        if (vbPath.starts_with("\\\\") && parts.size() >= 2) {
+            fs::path share =
+                PathFromUtf8("\\\\" + std::string(parts[0]) + "\\" + std::string(parts[1]) + "\\");
+            parts.erase(parts.begin(), parts.begin() + 2);
+            return share;
+        }
+        return folder.root_path();
+#else
+        return fs::path("/");
+#endif
+    }
+    std::error_code ec;
+    fs::path absolute = fs::absolute(folder, ec);
+    return ec ? folder : absolute;
+}
+
+}  // namespace
+
+fs::path PathFromUtf8(std::string_view text) {
+    return fs::path(std::u8string(reinterpret_cast<const char8_t*>(text.data()), text.size()));
+}
+
+std::string PathToUtf8(const fs::path& path) {
+    const std::u8string text = path.u8string();
+    return std::string(reinterpret_cast<const char*>(text.data()), text.size());
+}
+
+std::optional<fs::path> ResolveVbPath(const fs::path& folder, std::string_view vbPath) {
+    std::vector<std::string_view> parts = SplitParts(vbPath);
+    std::optional<fs::path> current = StartOf(folder, vbPath, parts);
+    if (!current || parts.empty()) return std::nullopt;
+    for (std::string_view part : parts) {
+        if (part == ".") continue;
+        if (part == "..") {
+            current = current->parent_path();
+            continue;
+        }
+        fs::path exact = *current / PathFromUtf8(part);
+        std::error_code ec;
+        if (fs::exists(exact, ec)) {
+            current = std::move(exact);
+        } else if (auto found = FindIgnoringCase(*current, part)) {
+            current = std::move(*found);
+        } else {
+            return std::nullopt;
+        }
+    }
+    std::error_code ec;
+    if (!fs::is_regular_file(*current, ec)) return std::nullopt;
+    return current;
+}
+
+}  // namespace arbolet::disk
