@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "analysis/line_identifier.h"
+#include "analysis/shared_text.h"
 #include "analysis/variant.h"
 
 namespace arbolet::analysis {
@@ -17,10 +19,10 @@ class clsLine : public VbObject {
 
     std::string_view TypeName() const override { return "clsLine"; }
 
-    std::string LineID;
+    LineIdentifier LineID;
     std::int32_t LineColour = 0;
-    std::string LineContent;
-    std::string LCaseContent;
+    SharedText LineContent;
+    SharedText LCaseContent;
     std::string SortBy;
     clsLine* Parent = nullptr;
     std::int32_t ChildCount = 0;

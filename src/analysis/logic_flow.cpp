@@ -71,10 +71,13 @@ void DropLastChild(clsLine* container) {
 
 }  // namespace
 
+// The working texts of a line are views: the key text is its LCaseContent trimmed and the display
+// text its LineContent, each standing for the text followed by one blank. Views keep the colon
+// split linear on lines with thousands of colons.
 struct LogicFlowBuilder::Step {
     clsLine* line = nullptr;
-    std::string key;      // LCaseContent trimmed, plus one blank
-    std::string display;  // LineContent plus one blank
+    std::string_view key;
+    std::string_view display;
     std::string_view firstWord;
 };
 
@@ -87,7 +90,7 @@ std::string_view FirstWord(std::string_view text) {
     return trimmed.substr(0, blank);
 }
 
-clsLine* MakeLine(LineArena& arena, std::string_view text, std::string identifier) {
+clsLine* MakeLine(LineArena& arena, std::string_view text, LineIdentifier identifier) {
     clsLine* line = arena.Make();
     line->LCaseContent = text::ToLower(text);
     line->LineContent = std::string(text);
@@ -106,8 +109,8 @@ void LogicFlowBuilder::BuildFlow(clsStack& lineStack, clsLine*& container) {
         if (line == nullptr) continue;
         Step step;
         step.line = line;
-        step.key = std::string(text::Trim(line->LCaseContent)) + ' ';
-        step.display = line->LineContent + ' ';
+        step.key = text::Trim(line->LCaseContent.view());
+        step.display = line->LineContent.view();
         ProcessLine(step, lineStack, container);
     }
     CloseOpenBlocks(container);
@@ -133,27 +136,25 @@ void LogicFlowBuilder::ProcessLine(Step& step, clsStack& lineStack, clsLine*& co
 // A colon outside strings, comments and named arguments separates statements: the rest of the
 // line becomes a line of its own, processed next.
 void LogicFlowBuilder::SplitAtColon(Step& step, clsStack& lineStack) {
+    // The key text always ends in a blank, so a colon in it is never its last character.
     const auto colon = step.key.find(':');
-    if (colon == std::string::npos || colon == step.key.size() - 1) return;
+    if (colon == std::string_view::npos) return;
     clsLine* line = step.line;
     clsLine* rest = arena_.Make();
     rest->LineColour = line->LineColour;
     rest->SortBy = line->SortBy;
     rest->SourceIndex = line->SourceIndex;
     // Stored texts may carry leading blanks that the key text lost to trimming.
-    const std::size_t from = LeadingBlanks(line->LCaseContent) + colon + 1;
-    rest->LCaseContent = std::string(SafeSubstr(line->LCaseContent, from));
-    rest->LineContent = std::string(SafeSubstr(line->LineContent, from));
-    rest->LineID = "@~" + line->LineID;
+    const std::size_t from = LeadingBlanks(line->LCaseContent.view()) + colon + 1;
+    rest->LCaseContent = line->LCaseContent.Suffix(from);
+    rest->LineContent = line->LineContent.Suffix(from);
+    rest->LineID = line->LineID.Prefixed("@~");
 
-    step.key.resize(colon);
-    step.key += ' ';
-    if (const auto shown = step.display.find(':'); shown != std::string::npos) {
-        step.display.resize(shown);
-        step.display += ' ';
-    }
-    if (text::CharCount(rest->LineContent) > 1)
+    step.key = step.key.substr(0, colon);
+    step.display = step.display.substr(0, step.display.find(':'));
+    if (text::HasMoreCharsThan(rest->LineContent.view(), 1)) {
         lineStack.Push(Variant(static_cast<VbObject*>(rest)));
+    }
 }
 
 bool LogicFlowBuilder::ProcessOpener(Step& step, clsLine*& container) {
@@ -288,7 +289,7 @@ void LogicFlowBuilder::ProcessDeclaration(Step& step, clsLine* container) {
 void LogicFlowBuilder::ProcessScoped(Step& step, clsStack& lineStack, clsLine*& container) {
     clsLine* line = step.line;
     line->LCaseContent = std::string(text::Trim(SafeSubstr(step.key, step.firstWord.size()))) + ' ';
-    const std::string_view rest = line->LCaseContent;
+    const std::string_view rest = line->LCaseContent.view();
     const std::string_view w = rest.substr(0, rest.find(' '));
     const bool scopedVariable =
         !w.empty() && !IsOneOf(w, {"enum", "type", "sub", "function", "property", "event",
@@ -352,7 +353,7 @@ void LogicFlowBuilder::ProcessNext(Step& step, clsLine*& container) {
         if (blockStack_.TopText() == "next " + std::string(variable)) {
             PopBlock();
         } else {
-            Report("ERROR NEXT STATEMENT NESTING", std::string(position, '_'), *line, container);
+            Report("ERROR NEXT STATEMENT NESTING", "_", *line, container, position);
         }
         if (comma == std::string::npos) break;
         start = comma + 1;
@@ -376,7 +377,7 @@ void LogicFlowBuilder::ProcessOther(Step& step, clsLine* container) {
     } else if (step.display.starts_with('#')) {
         if (!options_.ShowCompiler) return;
         // Other directives are shown as written, with their whole text as the key.
-        clsLine* directive = MakeLine(arena_, step.display, line->LineID);
+        clsLine* directive = MakeLine(arena_, std::string(step.display) + ' ', line->LineID);
         directive->SourceIndex = line->SourceIndex;
         Add(directive, container, colour::kSlateBlue);
     } else {
@@ -396,8 +397,9 @@ void LogicFlowBuilder::CloseOpenBlocks(clsLine*& container) {
             Add(open, container, colour::kRed);
             continue;
         }
-        clsLine* error = MakeLine(arena_, "ERROR - NO " + std::string(entry.Text()),
-                                  "ERROR~" + (container ? container->LineID : std::string()));
+        clsLine* error =
+            MakeLine(arena_, "ERROR - NO " + std::string(entry.Text()),
+                     container ? container->LineID.Prefixed("ERROR~") : LineIdentifier("ERROR~"));
         error->LineColour = colour::kRed;
         error->SourceIndex = opener;
         Attach(container, error);
@@ -421,7 +423,7 @@ void LogicFlowBuilder::CloseBlock(clsLine* line, clsLine*& container, std::int32
 
 void LogicFlowBuilder::AddWithDefaultKey(clsLine* line, clsLine* container, std::int32_t colour,
                                          bool show) {
-    if (line->SortBy.empty()) line->SortBy = line->LCaseContent;
+    if (line->SortBy.empty()) line->SortBy = line->LCaseContent.str();
     Add(line, container, colour, show);
 }
 
@@ -437,8 +439,8 @@ void LogicFlowBuilder::Attach(clsLine* container, clsLine* line) {
 }
 
 void LogicFlowBuilder::Report(std::string_view text, std::string_view prefix,
-                              const clsLine& offending, clsLine* container) {
-    clsLine* error = MakeLine(arena_, text, std::string(prefix) + offending.LineID);
+                              const clsLine& offending, clsLine* container, std::size_t times) {
+    clsLine* error = MakeLine(arena_, text, offending.LineID.Prefixed(prefix, times));
     error->LineColour = colour::kRed;
     error->SourceIndex = offending.SourceIndex;
     Attach(container, error);

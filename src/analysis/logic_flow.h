@@ -21,7 +21,7 @@ namespace arbolet::analysis {
 std::string_view FirstWord(std::string_view text);
 
 // A new line with the text as its content, the text in lower case as its key, and the identifier.
-clsLine* MakeLine(LineArena& arena, std::string_view text, std::string identifier);
+clsLine* MakeLine(LineArena& arena, std::string_view text, LineIdentifier identifier);
 
 class LogicFlowBuilder {
   public:
@@ -59,8 +59,10 @@ class LogicFlowBuilder {
                            bool show = true);
     void Add(clsLine* line, clsLine* container, std::int32_t colour, bool show = true);
     void Attach(clsLine* container, clsLine* line);
+    // Adds a red error node whose identifier is the offending line's with `prefix` in front,
+    // `times` times.
     void Report(std::string_view text, std::string_view prefix, const clsLine& offending,
-                clsLine* container);
+                clsLine* container, std::size_t times = 1);
 
     void PushBlock(std::string keyword, std::int32_t openerSource);
     Variant PopBlock(std::int32_t* openerSource = nullptr);

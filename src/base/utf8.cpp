@@ -71,6 +71,10 @@ std::size_t CharCount(std::string_view text) {
     return count;
 }
 
+bool HasMoreCharsThan(std::string_view text, std::size_t count) {
+    return LeftChars(text, count).size() < text.size();
+}
+
 std::string_view LeftChars(std::string_view text, std::size_t count) {
     std::size_t i = 0;
     for (std::size_t n = 0; n < count && i < text.size(); ++n)

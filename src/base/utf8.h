@@ -14,6 +14,9 @@ namespace arbolet::text {
 // Number of characters in the text.
 std::size_t CharCount(std::string_view text);
 
+// Whether the text has more than `count` characters; looks no further than it must.
+bool HasMoreCharsThan(std::string_view text, std::size_t count);
+
 // The first `count` characters (VB's Left).
 std::string_view LeftChars(std::string_view text, std::size_t count);
 

@@ -68,7 +68,7 @@ FileResult CheckFile(const std::filesystem::path& path, int codePage) {
         if (!analysis::colour::IsError(line.LineColour)) return;
         const auto fileLine = component.FileLineOf(line).value_or(1);
         result.findings.push_back(
-            {shown, fileLine, "error", RuleOf(line.LineContent), line.LineContent});
+            {shown, fileLine, "error", RuleOf(line.LineContent), line.LineContent.str()});
     });
     // Compiler order: by line, and in tree order within a line.
     std::stable_sort(result.findings.begin(), result.findings.end(),

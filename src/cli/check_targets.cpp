@@ -3,8 +3,11 @@
 
 #include <algorithm>
 
+#include "base/utf8.h"
 #include "cli/cli_context.h"
+#include "cli/project_loading.h"
 #include "disk/component_file.h"
+#include "disk/vb_path.h"
 
 namespace arbolet::cli {
 namespace fs = std::filesystem;
@@ -28,6 +31,33 @@ void AddFolder(const fs::path& folder, std::vector<fs::path>& files, CliContext&
     files.insert(files.end(), found.begin(), found.end());
 }
 
+bool IsProjectOrGroup(const fs::path& path) {
+    const std::string extension = text::ToLower(disk::PathToUtf8(path.extension()));
+    return extension == ".vbp" || extension == ".vbg";
+}
+
+// The code components a project or group lists, in its order. Missing components are warned
+// about while loading; a project that cannot be opened sets the usage/I-O exit status.
+void AddProjectComponents(const std::string& project, std::vector<fs::path>& files,
+                          CliContext& context) {
+    const auto environment = OpenProjects({project}, context);
+    if (!environment) return;
+    const auto projects = environment->VBProjects();
+    for (std::int32_t p = 1; p <= projects->Count(); ++p) {
+        const auto components = projects->Item(p)->VBComponents();
+        for (std::int32_t c = 1; c <= components->Count(); ++c) {
+            const auto component = components->Item(c);
+            const auto type = component->Type();
+            if (type == env::ComponentType::ResFile ||
+                type == env::ComponentType::RelatedDocument) {
+                continue;
+            }
+            files.push_back(
+                disk::PathFromUtf8(ShownPath(disk::PathFromUtf8(component->FileNames(1)))));
+        }
+    }
+}
+
 }  // namespace
 
 std::vector<fs::path> CollectCheckTargets(const std::vector<std::string>& paths,
@@ -38,6 +68,8 @@ std::vector<fs::path> CollectCheckTargets(const std::vector<std::string>& paths,
         std::error_code ec;
         if (fs::is_directory(path, ec)) {
             AddFolder(path, files, context);
+        } else if (IsProjectOrGroup(path)) {
+            AddProjectComponents(text, files, context);
         } else {
             // Files, existing or not, are checked as given: a missing one is reported as
             // unreadable.

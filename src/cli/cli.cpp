@@ -35,6 +35,8 @@ int RunArbolet(int argc, const char* const* argv, Terminal terminal) {
     AddCodePageOption(app, context);
     AddCodeCommand(app, context);
     AddCheckCommand(app, context);
+    AddTreeCommand(app, context);
+    AddFoldersCommand(app, context);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

@@ -20,7 +20,7 @@ struct CodeOptions {
 void WriteNodeFields(JsonWriter& json, const AnalysedComponent& component,
                      const analysis::clsLine& line) {
     json.Key("LineID");
-    json.String(line.LineID);
+    json.String(line.LineID.str());
     json.Key("LineContent");
     json.String(line.LineContent);
     json.Key("LineColour");

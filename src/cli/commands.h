@@ -11,5 +11,7 @@ struct CliContext;
 
 void AddCodeCommand(CLI::App& app, CliContext& context);
 void AddCheckCommand(CLI::App& app, CliContext& context);
+void AddTreeCommand(CLI::App& app, CliContext& context);
+void AddFoldersCommand(CLI::App& app, CliContext& context);
 
 }  // namespace arbolet::cli

@@ -1,0 +1,167 @@
+// `arbolet folders`: the custom folders of a project and the components in each; adding and
+// removing folders and moving components, saved to the project's files.
+#include <CLI/CLI.hpp>
+#include <set>
+
+#include "base/utf8.h"
+#include "base/vb_error.h"
+#include "cli/cli_context.h"
+#include "cli/commands.h"
+#include "cli/project_loading.h"
+#include "disk/file_io.h"
+#include "disk/vb_path.h"
+
+namespace arbolet::cli {
+namespace {
+
+struct FoldersOptions {
+    std::string project;
+    std::string name;       // add, remove
+    std::string component;  // move
+    std::string folder;     // move
+    CLI::App* add = nullptr;
+    CLI::App* remove = nullptr;
+    CLI::App* move = nullptr;
+};
+
+// The folders the project lists and those its components name, lower-cased.
+std::set<std::string> CustomFolderNames(const env::VBProject& project) {
+    std::set<std::string> names;
+    const std::string list = explorer::ProjectExplorer::ReadFolderList(project);
+    std::size_t start = 0;
+    for (std::size_t end = list.find(';'); start <= list.size(); end = list.find(';', start)) {
+        const std::string_view entry = text::Trim(
+            std::string_view(list).substr(start, end == std::string::npos ? end : end - start));
+        if (!entry.empty()) names.insert(text::ToLower(entry));
+        if (end == std::string::npos) break;
+        start = end + 1;
+    }
+    const auto components = project.VBComponents();
+    for (std::int32_t i = 1; components && i <= components->Count(); ++i) {
+        try {
+            const std::string folder = components->Item(i)->ReadProperty(explorer::kFolderProperty);
+            if (!folder.empty()) names.insert(text::ToLower(folder));
+        } catch (const VbError&) {
+        }
+    }
+    return names;
+}
+
+// The custom folders in tree order, each with its components.
+void ListFolders(CliContext& context, LoadedTree& loaded, const env::VBProject& project) {
+    const std::set<std::string> custom = CustomFolderNames(project);
+    const tree::NodeRef projectNode =
+        loaded.view.Nodes().Item(explorer::ProjectKey(project.Name()));
+    bool any = false;
+    for (tree::NodeRef folder = projectNode->Child(); folder; folder = folder->Next()) {
+        if (!custom.contains(text::ToLower(folder->Text()))) continue;
+        any = true;
+        context.out << folder->Text() << (folder->Children() == 0 ? " (empty)" : "") << '\n';
+        for (tree::NodeRef component = folder->Child(); component; component = component->Next()) {
+            context.out << "  " << component->Text() << '\n';
+        }
+    }
+    if (!any) context.out << "(no custom folders)\n";
+}
+
+bool RefuseInvalidName(CliContext& context, LoadedTree& loaded, const std::string& name) {
+    if (explorer::IsValidFolderName(name)) return false;
+    loaded.ui.MsgBox("Not a valid folder name, please try again.",
+                     explorer::MsgBoxIcon::Information, "Invalid Folder Name");
+    context.Fail(kExitFindings);
+    return true;
+}
+
+// Runs the chosen change; false when it was refused.
+bool Change(CliContext& context, LoadedTree& loaded, env::VBProject& project,
+            const FoldersOptions& options) {
+    if (options.add->parsed()) {
+        if (RefuseInvalidName(context, loaded, options.name)) return false;
+        loaded.explorer.AddFolder(project, options.name);
+    } else if (options.remove->parsed()) {
+        // Removing a fixed group would write an empty folder into every component of its kind.
+        if (!CustomFolderNames(project).contains(text::ToLower(options.name))) {
+            context.err << "arbolet: '" << options.name << "' is not a custom folder of "
+                        << project.Name() << '\n';
+            context.Fail(kExitFindings);
+            return false;
+        }
+        loaded.explorer.RemoveFolder(project, options.name);
+    } else {
+        env::VBComponentRef component;
+        try {
+            component = project.VBComponents()->Item(options.component);
+        } catch (const VbError&) {
+            context.err << "arbolet: " << project.Name() << " has no component named '"
+                        << options.component << "'\n";
+            context.Fail(kExitFindings);
+            return false;
+        }
+        // An empty folder name takes the component back to the fixed group of its kind.
+        if (!options.folder.empty() && RefuseInvalidName(context, loaded, options.folder)) {
+            return false;
+        }
+        loaded.explorer.SetComponentFolder(*component, options.folder);
+    }
+    if (loaded.ui.MessagesShown() > 0) context.Fail(kExitFindings);
+    return loaded.ui.MessagesShown() == 0;
+}
+
+bool SaveChanges(CliContext& context, disk::DiskEnvironment& environment) {
+    const auto changed = environment.ChangedFiles();
+    try {
+        environment.Save();
+    } catch (const disk::FileError& error) {
+        context.err << "arbolet: " << error.what() << '\n';
+        context.Fail(kExitUsage);
+        return false;
+    }
+    for (const auto& file : changed) {
+        context.err << "arbolet: wrote " << ShownPath(file) << '\n';
+    }
+    return true;
+}
+
+void RunFolders(CliContext& context, const FoldersOptions& options) {
+    if (text::ToLower(disk::PathToUtf8(disk::PathFromUtf8(options.project).extension())) !=
+        ".vbp") {
+        context.err << "arbolet: folders works on one .vbp project, not " << options.project
+                    << '\n';
+        context.Fail(kExitUsage);
+        return;
+    }
+    auto environment = OpenProjects({options.project}, context);
+    if (!environment) return;
+    LoadedTree loaded(environment, context);
+    const env::VBProjectRef project = environment->VBProjects()->Item(1);
+    const bool changing =
+        options.add->parsed() || options.remove->parsed() || options.move->parsed();
+    if (changing) {
+        if (!Change(context, loaded, *project, options)) return;
+        if (!SaveChanges(context, *environment)) return;
+        loaded.explorer.RefreshProjects();
+    }
+    ListFolders(context, loaded, *project);
+}
+
+}  // namespace
+
+void AddFoldersCommand(CLI::App& app, CliContext& context) {
+    auto options = std::make_shared<FoldersOptions>();
+    CLI::App* command = app.add_subcommand(
+        "folders", "List a project's custom folders and their components, or change them");
+    command->add_option("project", options->project, "The .vbp project")->required();
+    command->require_subcommand(0, 1);
+    options->add = command->add_subcommand("add", "Add a custom folder");
+    options->add->add_option("name", options->name, "Folder name")->required();
+    options->remove = command->add_subcommand(
+        "remove", "Remove a custom folder; its components go back to their fixed groups");
+    options->remove->add_option("name", options->name, "Folder name")->required();
+    options->move = command->add_subcommand(
+        "move", "Put a component in a folder (\"\" for the fixed group of its kind)");
+    options->move->add_option("component", options->component, "Component name")->required();
+    options->move->add_option("folder", options->folder, "Folder name")->required();
+    command->callback([&context, options] { RunFolders(context, *options); });
+}
+
+}  // namespace arbolet::cli

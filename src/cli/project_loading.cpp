@@ -1,0 +1,44 @@
+// Opening projects for the commands (see project_loading.h).
+#include "cli/project_loading.h"
+
+#include "cli/cli_context.h"
+#include "disk/file_io.h"
+#include "disk/vb_path.h"
+
+namespace arbolet::cli {
+
+std::shared_ptr<disk::DiskEnvironment> OpenProjects(const std::vector<std::string>& paths,
+                                                    CliContext& context) {
+    std::vector<std::filesystem::path> files;
+    for (const auto& path : paths)
+        files.push_back(disk::PathFromUtf8(path));
+    try {
+        auto environment = disk::DiskEnvironment::Open(files, context.codePage);
+        for (const auto& warning : environment->Warnings()) {
+            context.err << (warning.line > 0
+                                ? warning.file + ":" + std::to_string(warning.line) + ": warning: "
+                                : warning.file + ": warning: ")
+                        << warning.message << '\n';
+        }
+        return environment;
+    } catch (const disk::FileError& error) {
+        context.err << "arbolet: " << error.what() << '\n';
+        context.Fail(kExitUsage);
+        return nullptr;
+    }
+}
+
+std::string ShownPath(const std::filesystem::path& file) {
+    std::error_code ec;
+    const std::filesystem::path relative =
+        file.lexically_relative(std::filesystem::current_path(ec));
+    const bool below = !ec && !relative.empty() && *relative.begin() != "..";
+    return disk::PathToUtf8((below ? relative : file).generic_u8string());
+}
+
+LoadedTree::LoadedTree(std::shared_ptr<disk::DiskEnvironment> projects, CliContext& context)
+    : environment(std::move(projects)), ui(context.err), explorer(environment, view, ui) {
+    explorer.RefreshProjects();
+}
+
+}  // namespace arbolet::cli

@@ -1,0 +1,37 @@
+// Opening the projects a command names and building their tree, with the load warnings on the
+// error stream: what `tree`, `folders` and `check` share.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "cli/terminal_ui.h"
+#include "disk/disk_environment.h"
+#include "explorer/project_explorer.h"
+#include "treemodel/memory_tree.h"
+
+namespace arbolet::cli {
+
+struct CliContext;
+
+// Opens .vbp and .vbg files; nullptr (reported, exit status 2) when one cannot be opened.
+std::shared_ptr<disk::DiskEnvironment> OpenProjects(const std::vector<std::string>& paths,
+                                                    CliContext& context);
+
+// How to show a file the projects name: relative to the working folder when it lies below it,
+// else in full; forward slashes on every platform.
+std::string ShownPath(const std::filesystem::path& file);
+
+// The explorer over opened projects, with the tree built.
+struct LoadedTree {
+    LoadedTree(std::shared_ptr<disk::DiskEnvironment> projects, CliContext& context);
+
+    std::shared_ptr<disk::DiskEnvironment> environment;
+    tree::MemoryTreeView view;
+    TerminalUi ui;
+    explorer::ProjectExplorer explorer;
+};
+
+}  // namespace arbolet::cli
