@@ -106,7 +106,8 @@ TEST_F(CommandLine, CheckReportsCompilerStyleInLineOrderWithExitStatusOne) {
     const CliRun run = Arbolet({"check", folder_.string()});
     EXPECT_EQ(run.status, 1);
     const std::string shown = fs::path(path).generic_string();
-    const std::string expected = shown + ":4: error: ERROR - NO end if\n" + shown +
+    const std::string expected = shown + ":3: error: ERROR - NO end sub\n" + shown +
+                                 ":4: error: ERROR - NO end if\n" + shown +
                                  ":5: error: NO START sub\n" + shown + ":7: error: NO START if\n";
     EXPECT_EQ(run.out.substr(0, expected.size()), expected);
     EXPECT_NE(run.out.find("arbolet: 4 errors in 1 file (2 files checked)"), std::string::npos)
@@ -138,8 +139,8 @@ TEST_F(CommandLine, SarifNamesRulesAndLocations) {
     const auto& results = doc.at("runs").at(0).at("results");
     ASSERT_EQ(results.size(), 4u);
     EXPECT_EQ(results.at(0).at("ruleId"), "unclosed-block");
-    EXPECT_EQ(results.at(1).at("message").at("text"), "NO START sub");
-    const auto& location = results.at(1).at("locations").at(0).at("physicalLocation");
+    EXPECT_EQ(results.at(2).at("message").at("text"), "NO START sub");
+    const auto& location = results.at(2).at("locations").at(0).at("physicalLocation");
     EXPECT_EQ(location.at("region").at("startLine"), 5);
     EXPECT_NE(location.at("artifactLocation").at("uri").get<std::string>().find("my%20file.bas"),
               std::string::npos);
@@ -154,7 +155,7 @@ TEST_F(CommandLine, CheckJsonCountsFindings) {
     const CliRun run = Arbolet({"check", "--format", "json", path});
     const auto doc = nlohmann::json::parse(run.out);
     EXPECT_EQ(doc.at("errors"), 4);
-    EXPECT_EQ(doc.at("diagnostics").at(0).at("line"), 4);
+    EXPECT_EQ(doc.at("diagnostics").at(0).at("line"), 3);
 }
 
 TEST_F(CommandLine, CodePageOptionDecodesFiles) {
