@@ -1,7 +1,7 @@
 // `arbolet folders`: the custom folders of a project and the components in each; adding and
 // removing folders and moving components, saved to the project's files.
 #include <CLI/CLI.hpp>
-#include <set>
+#include <map>
 
 #include "base/utf8.h"
 #include "base/vb_error.h"
@@ -24,32 +24,33 @@ struct FoldersOptions {
     CLI::App* move = nullptr;
 };
 
-// The folders the project lists and those its components name, lower-cased.
-std::set<std::string> CustomFolderNames(const env::VBProject& project) {
-    std::set<std::string> names;
+// The folders the project lists and those its components name: lower-cased name to the
+// spelling first found.
+std::map<std::string, std::string> CustomFolders(const env::VBProject& project) {
+    std::map<std::string, std::string> folders;
+    const auto add = [&](std::string_view name) {
+        if (!name.empty()) folders.emplace(text::ToLower(name), std::string(name));
+    };
     const std::string list = explorer::ProjectExplorer::ReadFolderList(project);
     std::size_t start = 0;
-    for (std::size_t end = list.find(';'); start <= list.size(); end = list.find(';', start)) {
-        const std::string_view entry = text::Trim(
-            std::string_view(list).substr(start, end == std::string::npos ? end : end - start));
-        if (!entry.empty()) names.insert(text::ToLower(entry));
-        if (end == std::string::npos) break;
+    for (std::size_t end = list.find(';'); end != std::string::npos; end = list.find(';', start)) {
+        add(text::Trim(std::string_view(list).substr(start, end - start)));
         start = end + 1;
     }
+    add(text::Trim(std::string_view(list).substr(start)));
     const auto components = project.VBComponents();
     for (std::int32_t i = 1; components && i <= components->Count(); ++i) {
         try {
-            const std::string folder = components->Item(i)->ReadProperty(explorer::kFolderProperty);
-            if (!folder.empty()) names.insert(text::ToLower(folder));
+            add(components->Item(i)->ReadProperty(explorer::kFolderProperty));
         } catch (const VbError&) {
         }
     }
-    return names;
+    return folders;
 }
 
 // The custom folders in tree order, each with its components.
 void ListFolders(CliContext& context, LoadedTree& loaded, const env::VBProject& project) {
-    const std::set<std::string> custom = CustomFolderNames(project);
+    const auto custom = CustomFolders(project);
     const tree::NodeRef projectNode =
         loaded.view.Nodes().Item(explorer::ProjectKey(project.Name()));
     bool any = false;
@@ -79,14 +80,17 @@ bool Change(CliContext& context, LoadedTree& loaded, env::VBProject& project,
         if (RefuseInvalidName(context, loaded, options.name)) return false;
         loaded.explorer.AddFolder(project, options.name);
     } else if (options.remove->parsed()) {
-        // Removing a fixed group would write an empty folder into every component of its kind.
-        if (!CustomFolderNames(project).contains(text::ToLower(options.name))) {
+        // The folder is taken as it is spelt in the project, whatever the case typed. Removing
+        // a fixed group would write an empty folder into every component of its kind.
+        const auto folders = CustomFolders(project);
+        const auto found = folders.find(text::ToLower(options.name));
+        if (found == folders.end()) {
             context.err << "arbolet: '" << options.name << "' is not a custom folder of "
                         << project.Name() << '\n';
             context.Fail(kExitFindings);
             return false;
         }
-        loaded.explorer.RemoveFolder(project, options.name);
+        loaded.explorer.RemoveFolder(project, found->second);
     } else {
         env::VBComponentRef component;
         try {
