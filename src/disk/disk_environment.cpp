@@ -431,6 +431,12 @@ bool DiskEnvironment::IsOpen(const fs::path& projectFile) const {
                        [&](const auto& p) { return Canonical(p->Path()) == canonical; });
 }
 
+bool DiskEnvironment::HasProjectNamed(const std::string& name) const {
+    const std::string lower = text::ToLower(name);
+    return std::any_of(projects_->items.begin(), projects_->items.end(),
+                       [&](const auto& p) { return text::ToLower(p->name) == lower; });
+}
+
 env::VBProjectRef DiskEnvironment::AddFromFile(const fs::path& projectFile) {
     return LoadProject(projectFile, PathToUtf8(projectFile.generic_u8string()));
 }
@@ -452,6 +458,11 @@ std::shared_ptr<DiskProject> DiskEnvironment::LoadProject(const fs::path& projec
     }
     auto project = std::make_shared<DiskProject>(projectFile, shownAs, std::move(text));
     project->name = ProjectNameOf(project->Text(), projectFile, shownAs, warnings_);
+    if (HasProjectNamed(project->name)) {
+        warnings_.push_back({shownAs, 0,
+                             "another open project is also named " + project->name +
+                                 "; their nodes in the tree are shared"});
+    }
     project->components = std::make_shared<DiskComponents>(project);
     project->collection = projects_;
     const ComponentLoader loader{*project, codePage_, warnings_};

@@ -64,6 +64,7 @@ class DiskEnvironment final : public env::VBE,
     std::shared_ptr<DiskProject> LoadProject(const std::filesystem::path& projectFile,
                                              const std::string& shownAs);
     bool IsOpen(const std::filesystem::path& projectFile) const;
+    bool HasProjectNamed(const std::string& name) const;
 
     int codePage_;
     std::shared_ptr<DiskProjects> projects_;

@@ -206,15 +206,19 @@ TEST_F(DiskProjectTest, GroupsListProjectsInOrderWithTheirStartupProject) {
 TEST_F(DiskProjectTest, WithoutStartupProjectTheFirstProjectStarts) {
     const auto a = folder.Write("A.vbp", "Name=\"A\"\r\n");
     const auto b = folder.Write("B.vbp", "Type=Exe\r\n");
-    const auto environment = DiskEnvironment::Open({b, a, b});
+    const auto alsoA = folder.Write("Other/A.vbp", "Name=\"a\"\r\n");
+    const auto environment = DiskEnvironment::Open({b, a, b, alsoA});
     const auto projects = environment->VBProjects();
-    ASSERT_EQ(projects->Count(), 2);
+    ASSERT_EQ(projects->Count(), 3);
     EXPECT_EQ(projects->Item(1)->Name(), "B");  // named after its file
     EXPECT_EQ(projects->StartProject(), projects->Item(1));
     EXPECT_EQ(
         WarningTexts(*environment),
-        (std::vector<std::string>{b.generic_string() + ": no Name line; the project is named B",
-                                  b.generic_string() + ": the project is already open"}));
+        (std::vector<std::string>{
+            b.generic_string() + ": no Name line; the project is named B",
+            b.generic_string() + ": the project is already open",
+            alsoA.generic_string() +
+                ": another open project is also named a; their nodes in the tree are shared"}));
 }
 
 TEST_F(DiskProjectTest, OpeningAProjectRaisesItemAdded) {
