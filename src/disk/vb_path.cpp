@@ -81,15 +81,18 @@ std::optional<fs::path> ResolveVbPath(const fs::path& folder, std::string_view v
     std::vector<std::string_view> parts = SplitParts(vbPath);
     std::optional<fs::path> current = StartOf(folder, vbPath, parts);
     if (!current || parts.empty()) return std::nullopt;
-    for (std::string_view part : parts) {
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        const std::string_view part = parts[i];
         if (part == ".") continue;
         if (part == "..") {
             current = current->parent_path();
             continue;
         }
+        // One look-up per part: folders on the way, the file itself at the end.
+        const bool last = i + 1 == parts.size();
         fs::path exact = *current / PathFromUtf8(part);
         std::error_code ec;
-        if (fs::exists(exact, ec)) {
+        if (last ? fs::is_regular_file(exact, ec) : fs::is_directory(exact, ec)) {
             current = std::move(exact);
         } else if (auto found = FindIgnoringCase(*current, part)) {
             current = std::move(*found);
