@@ -117,6 +117,13 @@ bool ComponentText::WriteProperty(std::string_view key, std::string_view value) 
         throw VbError(env::enverr::kInvalidProcedureCall, kSource,
                       "An extended property cannot hold a line break");
     }
+    // A file whose structure could not be read is not edited: the new line could land anywhere.
+    for (const auto& diagnostic : file_.diagnostics) {
+        if (diagnostic.severity != FileDiagnostic::Severity::Error) continue;
+        throw VbError(env::enverr::kNotSupported, kSource,
+                      "cannot be changed safely: line " + std::to_string(diagnostic.line) + ": " +
+                          diagnostic.message);
+    }
     const auto line = FindPropertyLine(key);
     const std::string keyAsWritten =
         line ? ParseExtKeyAttribute(file_.lines[*line])->first : std::string(key);

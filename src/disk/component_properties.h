@@ -30,7 +30,8 @@ class ComponentText {
     // The value of the key (ignoring case) in the module attribute block.
     std::optional<std::string> ReadProperty(std::string_view key) const;
     // Replaces the key's line, or adds one after the last module attribute. Returns whether the
-    // bytes changed. Raises arbolet::VbError for text the file cannot hold.
+    // bytes changed. Raises arbolet::VbError for text the file cannot hold, and for a file with
+    // errors (binary data, an unclosed designer block), where the attribute block is unknown.
     bool WriteProperty(std::string_view key, std::string_view value);
 
   private:

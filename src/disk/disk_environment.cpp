@@ -206,8 +206,12 @@ class DiskComponent final : public env::VBComponent {
     void WriteProperty(std::string_view key, std::string_view value) override {
         constexpr const char* kSource = "VBComponent.WriteProperty";
         if (!text_) env::enverr::RaiseNoPropertyStore(kSource, PathToUtf8(path_.filename()));
-        RefuseDamagedFile(kSource);
-        text_->WriteProperty(key, value);
+        try {
+            text_->WriteProperty(key, value);
+        } catch (const VbError& error) {
+            throw VbError(error.Number, error.Source,
+                          PathToUtf8(path_.filename()) + ": " + error.Description);
+        }
     }
 
     std::shared_ptr<env::CodeModule> CodeModule() const override {
@@ -232,16 +236,6 @@ class DiskComponent final : public env::VBComponent {
     std::weak_ptr<env::VBComponents> collection;
 
   private:
-    // A file whose structure could not be read is not edited: the new line could land anywhere.
-    void RefuseDamagedFile(const char* source) const {
-        for (const auto& diagnostic : text_->File().diagnostics) {
-            if (diagnostic.severity != FileDiagnostic::Severity::Error) continue;
-            throw VbError(
-                env::enverr::kNotSupported, source,
-                PathToUtf8(path_.filename()) + " cannot be changed safely: " + diagnostic.message);
-        }
-    }
-
     std::string name_;
     ComponentType type_;
     fs::path path_;
