@@ -6,38 +6,25 @@
 
 #include "base/vb_error.h"
 #include "disk/component_properties.h"
+#include "disk/disk_environment.h"
+#include "disk/file_io.h"
 #include "disk/group_file.h"
 #include "disk/project_file.h"
+#include "temp_folder.h"
 
 namespace arbolet::disk {
 namespace {
 
 // Lines built from the bytes that matter to the parsers, with some anything-goes bytes.
 std::string RandomText(std::mt19937& random, bool allowNul) {
-    static const std::string pieces[] = {"[Quorlin]",
-                                         "[Other]",
-                                         "QX-TypeName=",
-                                         "Key=",
-                                         "Attribute VB_Ext_KEY = \"K\" ,\"",
-                                         "Attribute VB_Name = \"m\"",
-                                         "Begin VB.Form f",
-                                         "End",
-                                         "VERSION 5.00",
-                                         "\"",
-                                         "=",
-                                         ";",
-                                         "[",
-                                         "]",
-                                         " ",
-                                         "\t",
-                                         "\r\n",
-                                         "\n",
-                                         "\r",
-                                         "\xE9",
-                                         "\x81",
-                                         "\xFF",
-                                         "Sub A()",
-                                         "x"};
+    // clang-format off
+    static const std::string pieces[] = {
+        "[Quorlin]", "[Other]", "QX-TypeName=", "Key=", "Attribute VB_Ext_KEY = \"K\" ,\"",
+        "Attribute VB_Name = \"m\"", "Begin VB.Form f", "End", "VERSION 5.00", "\"", "=", ";",
+        "[", "]", " ", "\t", "\r\n", "\n", "\r", "\xE9", "\x81", "\xFF", "Sub A()", "x",
+        "\r\nModule=m; m.bas\r\n", "\r\nForm=F.FRM\r\n", "\r\nClass=c; ..\\c.cls\r\n",
+        "\r\nRelatedDoc=m.bas\r\n", "\r\nName=\"P\"\r\n"};
+    // clang-format on
     std::string text;
     const int count = std::uniform_int_distribution<int>(0, 60)(random);
     for (int i = 0; i < count; ++i) {
@@ -95,6 +82,41 @@ TEST(ProjectRobustness, GroupsOfRandomBytesParse) {
         for (const auto& member : group.projects)
             ASSERT_LT(member.line, bytes.size());
     }
+}
+
+// Whole projects of random text over files of random text: they open, or they are refused with
+// a FileError; a save of an accepted edit reads back.
+TEST(ProjectRobustness, RandomProjectsOpenOrAreRefused) {
+    testing::TempFolder folder;
+    std::mt19937 random(17);
+    int withComponents = 0;
+    for (int round = 0; round < 150; ++round) {
+        folder.Write("m.bas", RandomText(random, round % 5 == 0));
+        folder.Write("f.frm", RandomText(random, false));
+        const auto vbp = folder.Write("P.vbp", RandomText(random, round % 7 == 0));
+        std::shared_ptr<DiskEnvironment> environment;
+        try {
+            environment = DiskEnvironment::Open({vbp});
+        } catch (const FileError&) {
+            continue;
+        }
+        const auto project = environment->VBProjects()->Item(1);
+        const auto components = project->VBComponents();
+        withComponents += components->Count() > 0 ? 1 : 0;
+        for (std::int32_t i = 1; i <= components->Count(); ++i) {
+            try {
+                components->Item(i)->WriteProperty("QX-TypeName", "F");
+            } catch (const VbError&) {
+            }
+            if (const auto code = components->Item(i)->CodeModule()) {
+                code->Lines(1, code->CountOfLines());
+            }
+        }
+        environment->Save();
+        const auto reopened = DiskEnvironment::Open({vbp})->VBProjects()->Item(1)->VBComponents();
+        ASSERT_EQ(reopened->Count(), components->Count()) << round;
+    }
+    EXPECT_GT(withComponents, 30);
 }
 
 }  // namespace
