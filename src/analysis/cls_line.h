@@ -23,7 +23,7 @@ class clsLine : public VbObject {
     std::int32_t LineColour = 0;
     SharedText LineContent;
     SharedText LCaseContent;
-    std::string SortBy;
+    SharedText SortBy;
     clsLine* Parent = nullptr;
     std::int32_t ChildCount = 0;
 

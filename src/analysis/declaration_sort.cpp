@@ -74,7 +74,8 @@ void StableSort(clsLine& root, std::int32_t last) {
 }  // namespace
 
 std::string DeclarationSortKey(const clsLine& line) {
-    const std::string_view source = line.SortBy.empty() ? line.LCaseContent.view() : line.SortBy;
+    const std::string_view source =
+        line.SortBy.empty() ? line.LCaseContent.view() : line.SortBy.view();
     const std::string k(text::Trim(source));
     const std::string_view word = FirstWord(k);
     if (word == "option") return "     " + k;

@@ -25,6 +25,12 @@ class LineIdentifier {
         std::swap(prefixes_, other.prefixes_);
         return *this;  // the old value leaves through `other`'s destructor
     }
+    LineIdentifier& operator=(std::string text) {
+        base_ = std::move(text);
+        LineIdentifier dropped;
+        std::swap(dropped.prefixes_, prefixes_);
+        return *this;
+    }
     // Releases a long chain link by link: the default would recurse once per link.
     ~LineIdentifier() {
         std::shared_ptr<Prefix> link = std::move(prefixes_);

@@ -44,12 +44,18 @@ bool IsOneOf(std::string_view word, std::initializer_list<std::string_view> word
     return std::find(words.begin(), words.end(), word) != words.end();
 }
 
+clsLine* AsLine(const Variant& item) {
+    VbObject* object = item.Object();
+    return object != nullptr && object->TypeName() == "clsLine" ? static_cast<clsLine*>(object)
+                                                                : nullptr;
+}
+
 clsLine* ParentOf(clsLine* container) {
     return container ? container->Parent : nullptr;
 }
 
 std::string SortKeyOf(const clsLine* container) {
-    return container ? container->SortBy : "";
+    return container ? container->SortBy.str() : std::string();
 }
 
 // Whether `line` is `container` or one of its ancestors; adding it would close a cycle.
@@ -86,7 +92,10 @@ std::string_view FirstWord(std::string_view text) {
     if (trimmed.empty()) return {};
     const auto blank = trimmed.find(' ');
     if (blank == std::string_view::npos) return trimmed;
-    if (text::ToLower(WordAt(trimmed, 1)) == "as") return {};
+    const std::string_view second = WordAt(trimmed, 1);
+    const bool secondIsAs =
+        second.size() == 2 && (second[0] | 0x20) == 'a' && (second[1] | 0x20) == 's';
+    if (secondIsAs) return {};
     return trimmed.substr(0, blank);
 }
 
@@ -105,7 +114,7 @@ LogicFlowBuilder::LogicFlowBuilder(const DisplayOptions& options, LineArena& are
 
 void LogicFlowBuilder::BuildFlow(clsStack& lineStack, clsLine*& container) {
     while (lineStack.Count() >= 1) {
-        auto* line = dynamic_cast<clsLine*>(lineStack.Pop().Object());
+        clsLine* line = AsLine(lineStack.Pop());
         if (line == nullptr) continue;
         Step step;
         step.line = line;
@@ -391,7 +400,7 @@ void LogicFlowBuilder::CloseOpenBlocks(clsLine*& container) {
         if (blockStack_.TopText().starts_with('#')) return;  // open #If blocks are never reported
         std::int32_t opener = -1;
         const Variant entry = PopBlock(&opener);
-        if (auto* open = dynamic_cast<clsLine*>(entry.Object())) {
+        if (clsLine* open = AsLine(entry)) {
             open->LineID =
                 std::string(static_cast<std::size_t>(blockStack_.Count()), '_') + open->LineID;
             Add(open, container, colour::kRed);
@@ -423,7 +432,7 @@ void LogicFlowBuilder::CloseBlock(clsLine* line, clsLine*& container, std::int32
 
 void LogicFlowBuilder::AddWithDefaultKey(clsLine* line, clsLine* container, std::int32_t colour,
                                          bool show) {
-    if (line->SortBy.empty()) line->SortBy = line->LCaseContent.str();
+    if (line->SortBy.empty()) line->SortBy = line->LCaseContent;
     Add(line, container, colour, show);
 }
 
