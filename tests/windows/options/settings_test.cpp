@@ -8,6 +8,7 @@
 #include <iterator>
 #include <string>
 
+#include "analysis/code_tree.h"
 #include "base/vb_error.h"
 #include "raw_registry.h"
 #include "windows/options/registry_display_options.h"
@@ -119,6 +120,34 @@ TEST_F(OptionStoreTest, CodeViewSourceReadsEachOptionIntoItsOwnField) {
         for (int i = 0; i < 7; ++i)
             EXPECT_EQ(fields[i], i == on) << names[i] << " with " << names[on];
     }
+}
+
+// All node texts of the code tree built with the options read from the registry.
+std::string CodeTreeText(std::string_view code) {
+    RegistryDisplayOptions source;
+    const analysis::CodeTree tree = analysis::BuildCodeTree(code, source.ReadDisplayOptions());
+    std::string text;
+    analysis::WalkTree(
+        *tree.root, [&](const analysis::clsLine& line, int) { text += line.LineContent + "\n"; });
+    return text;
+}
+
+TEST_F(OptionStoreTest, CodeTreeFollowsTheStoredOptions) {
+    const std::string_view code =
+        "Const Limit = 10\r\nPublic Sub Run()\r\nEnd Sub\r\nType Point\r\n  X As Long\r\nEnd "
+        "Type\r\n";
+    for (const Option& option : kDisplayOptions)
+        option.write(true);
+    const std::string shown = CodeTreeText(code);
+    EXPECT_NE(shown.find("Limit"), std::string::npos) << shown;
+    EXPECT_NE(shown.find("Point"), std::string::npos) << shown;
+
+    ShowConstants(false);
+    ShowTypes(false);
+    const std::string hidden = CodeTreeText(code);
+    EXPECT_EQ(hidden.find("Limit"), std::string::npos) << hidden;
+    EXPECT_EQ(hidden.find("Point"), std::string::npos) << hidden;
+    EXPECT_NE(hidden.find("Run"), std::string::npos) << hidden;
 }
 
 }  // namespace
