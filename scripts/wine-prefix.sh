@@ -1,37 +1,74 @@
 #!/usr/bin/env bash
-# Boots (start) or removes (stop) the throwaway Wine prefix of one CTest run of the Windows
-# tests; CTest passes WINEPREFIX, WINELOADER and WINESERVER. "start" also measures what Wine
-# costs: booting the prefix once, and starting one process in it afterwards.
+# The throwaway Wine prefix of one CTest run of the Windows tests. CTest passes WINEPREFIX,
+# WINELOADER and WINESERVER.
+#   start REPORT [--display]  boots the prefix (under a new Xvfb display with --display) and
+#                             writes what Wine costs to REPORT: the boot, and one process start
+#   run WINE PROGRAM ARGS...  runs a test program in the prefix, on the run's display if any
+#   stop                      ends the run's Wine server and Xvfb and removes the prefix
 set -euo pipefail
 
+display_file() { echo "$WINEPREFIX.display"; }
+xvfb_pid_file() { echo "$WINEPREFIX.xvfb-pid"; }
 now() { date +%s.%N; }
-seconds() { awk -v a="$1" -v b="$2" 'BEGIN { printf "%.2f", b - a }'; }
+
+# Starts Xvfb on a free display number and leaves it running for the run.
+start_xvfb() {
+    local fifo
+    fifo=$(mktemp -u)
+    mkfifo "$fifo"
+    Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$fifo" </dev/null >/dev/null 2>&1 &
+    echo $! >"$(xvfb_pid_file)"
+    local number
+    read -r number <"$fifo"
+    rm -f "$fifo"
+    echo ":$number" >"$(display_file)"
+}
+
+stop_run() {
+    "$WINESERVER" -k 2>/dev/null || true
+    "$WINESERVER" -w 2>/dev/null || true
+    if [[ -f "$(xvfb_pid_file)" ]]; then
+        kill "$(cat "$(xvfb_pid_file)")" 2>/dev/null || true
+    fi
+    rm -rf "$WINEPREFIX" "$(display_file)" "$(xvfb_pid_file)"
+}
 
 case "${1:-}" in
 start)
     report=${2:-/dev/null}
-    "$WINESERVER" -k 2>/dev/null || true  # a server left by an interrupted run
-    rm -rf "$WINEPREFIX"
+    stop_run  # whatever an interrupted run left behind
+    unset DISPLAY
+    if [[ "${3:-}" == "--display" ]]; then
+        start_xvfb
+        export DISPLAY=$(cat "$(display_file)")
+    fi
     t0=$(now)
     mkdir -p "$WINEPREFIX"
     # The server and the services that wineboot starts outlive this script: they must not hold
     # on to CTest's output pipe, or CTest would wait for them.
-    "$WINESERVER" -p </dev/null >/dev/null 2>&1     # stays up until "stop"
+    "$WINESERVER" -p </dev/null >/dev/null 2>&1  # stays up until "stop"
     "$WINELOADER" wineboot --init </dev/null >"$WINEPREFIX/wineboot.log" 2>&1
     t1=$(now)
     for _ in 1 2 3; do "$WINELOADER" cmd.exe /c exit </dev/null >/dev/null 2>&1; done
     t2=$(now)
-    boot=$(seconds "$t0" "$t1")
-    process=$(awk -v a="$t1" -v b="$t2" 'BEGIN { printf "%.0f", (b - a) / 3 * 1000 }')
-    printf 'Wine prefix boot: %s s; Wine process start: %s ms\n' "$boot" "$process" | tee "$report"
+    awk -v t0="$t0" -v t1="$t1" -v t2="$t2" -v display="${DISPLAY:-none}" 'BEGIN {
+        printf "Wine prefix boot: %.2f s; Wine process start: %.0f ms; X display: %s\n",
+               t1 - t0, (t2 - t1) / 3 * 1000, display }' | tee "$report"
+    ;;
+run)
+    shift
+    if [[ -f "$(display_file)" ]]; then
+        export DISPLAY=$(cat "$(display_file)")
+    else
+        unset DISPLAY
+    fi
+    exec "$@"
     ;;
 stop)
-    "$WINESERVER" -k 2>/dev/null || true
-    "$WINESERVER" -w 2>/dev/null || true
-    rm -rf "$WINEPREFIX"
+    stop_run
     ;;
 *)
-    echo "usage: $0 start [report-file] | stop" >&2
+    echo "usage: $0 start REPORT [--display] | run WINE PROGRAM [ARGS...] | stop" >&2
     exit 2
     ;;
 esac
