@@ -17,7 +17,13 @@ std::string_view FirstToken(std::string_view line) {
 
 bool TokenIs(std::string_view line, std::string_view lowerWord) {
     const auto token = FirstToken(line);
-    return token.size() == lowerWord.size() && text::ToLower(token) == lowerWord;
+    if (token.size() != lowerWord.size()) return false;
+    for (std::size_t i = 0; i < token.size(); ++i) {
+        const auto c = static_cast<unsigned char>(token[i]);
+        if ((c >= 'A' && c <= 'Z' ? c + 32 : c) != static_cast<unsigned char>(lowerWord[i]))
+            return false;
+    }
+    return true;
 }
 
 bool IsAttributeLine(std::string_view line) {
@@ -73,18 +79,19 @@ std::size_t SkipHeader(const ComponentFile& file, std::vector<FileDiagnostic>& d
 
 void CheckBytes(std::string_view bytes, const std::vector<RawLine>& raw,
                 std::vector<FileDiagnostic>& diagnostics) {
+    const bool binary = bytes.find('\0') != std::string_view::npos;
     for (std::size_t i = 0; i < raw.size(); ++i) {
-        const auto content = bytes.substr(raw[i].offset, raw[i].length);
         const auto line = static_cast<std::int32_t>(i + 1);
-        if (content.find('\0') != std::string_view::npos) {
+        if (binary &&
+            bytes.substr(raw[i].offset, raw[i].length).find('\0') != std::string_view::npos) {
             diagnostics.push_back({FileDiagnostic::Severity::Error, line,
                                    "binary data (a NUL byte): this is not a VB6 text file"});
             return;
         }
-        if (content.size() > kMaxVbLineBytes) {
+        if (raw[i].length > kMaxVbLineBytes) {
             diagnostics.push_back(
                 {FileDiagnostic::Severity::Warning, line,
-                 "line of " + std::to_string(content.size()) + " bytes; VB6 loads at most 1023"});
+                 "line of " + std::to_string(raw[i].length) + " bytes; VB6 loads at most 1023"});
         }
     }
 }
@@ -130,8 +137,10 @@ ComponentFile ParseComponentFile(std::string_view bytes, int codePage) {
     // Line breaks are the same bytes in every supported code page and no character decodes to
     // one, so the decoded text splits into the same lines.
     const std::string decoded = DecodeCodePage(bytes, codePage);
-    for (const RawLine& line : SplitRawLines(decoded)) {
-        file.lines.push_back(decoded.substr(line.offset, line.length));
+    const bool unchanged = decoded == bytes;  // pure ASCII: the lines lie where they were
+    file.lines.reserve(file.raw.size());
+    for (const RawLine& line : unchanged ? file.raw : SplitRawLines(decoded)) {
+        file.lines.emplace_back(std::string_view(decoded).substr(line.offset, line.length));
     }
     file.lines.resize(file.raw.size());
 
