@@ -1,6 +1,8 @@
 // Code page conversion through MultiByteToWideChar and WideCharToMultiByte, for Windows.
 #include <windows.h>
 
+#include <optional>
+
 #include "disk/codepage_platform.h"
 
 namespace arbolet::disk::platform {
@@ -16,6 +18,36 @@ std::string WideToUtf8(const std::wstring& wide) {
     return out;
 }
 
+// Decodes a run that the code page accepts whole; empty when it does not.
+std::optional<std::wstring> DecodeStrict(std::string_view bytes, UINT page) {
+    const int count = static_cast<int>(bytes.size());
+    const int size =
+        MultiByteToWideChar(page, MB_ERR_INVALID_CHARS, bytes.data(), count, nullptr, 0);
+    if (size == 0) return std::nullopt;
+    std::wstring wide(static_cast<std::size_t>(size), L'\0');
+    MultiByteToWideChar(page, MB_ERR_INVALID_CHARS, bytes.data(), count, wide.data(), size);
+    return wide;
+}
+
+// Character by character, so that only the sequences the code page does not define become
+// U+FFFD (Windows would otherwise put the code page's default character there).
+std::wstring DecodeLeniently(std::string_view bytes, UINT page) {
+    std::wstring wide;
+    for (std::size_t i = 0; i < bytes.size();) {
+        const bool lead = IsDBCSLeadByteEx(page, static_cast<BYTE>(bytes[i])) != 0;
+        const std::size_t length = lead && i + 1 < bytes.size() ? 2 : 1;
+        const auto piece = DecodeStrict(bytes.substr(i, length), page);
+        if (piece) {
+            wide += *piece;
+            i += length;
+        } else {
+            wide += L'\xFFFD';
+            ++i;
+        }
+    }
+    return wide;
+}
+
 }  // namespace
 
 bool CanConvert(int codePage) {
@@ -26,11 +58,8 @@ bool CanConvert(int codePage) {
 std::string Decode(std::string_view bytes, int codePage) {
     if (bytes.empty()) return {};
     const auto page = static_cast<UINT>(codePage);
-    const int count = static_cast<int>(bytes.size());
-    const int size = MultiByteToWideChar(page, 0, bytes.data(), count, nullptr, 0);
-    std::wstring wide(static_cast<std::size_t>(size), L'\0');
-    MultiByteToWideChar(page, 0, bytes.data(), count, wide.data(), size);
-    return WideToUtf8(wide);
+    const auto whole = DecodeStrict(bytes, page);
+    return WideToUtf8(whole ? *whole : DecodeLeniently(bytes, page));
 }
 
 std::optional<std::string> Encode(std::string_view utf8, int codePage) {
