@@ -6,45 +6,23 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "cli/cli.h"
+#include "cli/cli_runner.h"
+#include "disk/temp_folder.h"
 
 namespace arbolet::cli {
 namespace {
 namespace fs = std::filesystem;
 
-struct CliRun {
-    int status = 0;
-    std::string out;
-    std::string err;
-};
-
-CliRun Arbolet(std::vector<std::string> args, bool colour = false) {
-    args.insert(args.begin(), "arbolet");
-    std::vector<const char*> argv;
-    for (const auto& a : args)
-        argv.push_back(a.c_str());
-    std::ostringstream out;
-    std::ostringstream err;
-    const int status = RunArbolet(static_cast<int>(argv.size()), argv.data(), {out, err, colour});
-    return {status, out.str(), err.str()};
-}
+using testing::Arbolet;
+using testing::CliRun;
 
 class CommandLine : public ::testing::Test {
   protected:
-    void SetUp() override {
-        folder_ = fs::temp_directory_path() /
-                  ("arbolet-cli-" +
-                   std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
-        fs::remove_all(folder_);
-        fs::create_directories(folder_ / "sub");
-    }
-    void TearDown() override { fs::remove_all(folder_); }
-
     std::string Write(const std::string& name, const std::string& bytes) {
-        std::ofstream(folder_ / name, std::ios::binary) << bytes;
-        return (folder_ / name).string();
+        return folder_.Write(name, bytes).string();
     }
-    fs::path folder_;
+    disk::testing::TempFolder folder_;
+    const fs::path& folderPath_ = folder_.Path();
 };
 
 const char* const kBroken =
@@ -103,7 +81,7 @@ TEST_F(CommandLine, CheckReportsCompilerStyleInLineOrderWithExitStatusOne) {
     const auto path = Write("sub/broken.bas", kBroken);
     Write("sub/clean.cls", "Sub A()\r\nEnd Sub\r\n");
     Write("sub/notes.txt", "End If\r\n");
-    const CliRun run = Arbolet({"check", folder_.string()});
+    const CliRun run = Arbolet({"check", folderPath_.string()});
     EXPECT_EQ(run.status, 1);
     const std::string shown = fs::path(path).generic_string();
     const std::string expected = shown + ":3: error: ERROR - NO end sub\n" + shown +
@@ -123,7 +101,7 @@ TEST_F(CommandLine, CheckOfCleanCodeExitsZero) {
 
 TEST_F(CommandLine, UnreadableFileIsNamedAndOthersAreStillChecked) {
     const auto broken = Write("broken.bas", kBroken);
-    const auto missing = (folder_ / "missing.bas").string();
+    const auto missing = (folderPath_ / "missing.bas").string();
     const CliRun run = Arbolet({"check", missing, broken});
     EXPECT_EQ(run.status, 2);
     EXPECT_NE(run.out.find("missing.bas: error:"), std::string::npos) << run.out;

@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "disk/file_io.h"
+#include "disk/temp_folder.h"
 
 namespace arbolet::disk {
 namespace {
@@ -11,19 +12,8 @@ namespace fs = std::filesystem;
 
 class FileIo : public ::testing::Test {
   protected:
-    void SetUp() override {
-        folder_ = fs::temp_directory_path() /
-                  ("arbolet-io-" +
-                   std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
-        fs::remove_all(folder_);
-        fs::create_directories(folder_);
-    }
-    void TearDown() override {
-        std::error_code ec;
-        fs::permissions(folder_ / "p.vbp", fs::perms::owner_all, ec);
-        fs::remove_all(folder_, ec);
-    }
-    fs::path folder_;
+    testing::TempFolder temp_;
+    const fs::path& folder_ = temp_.Path();
 };
 
 TEST_F(FileIo, RewriteReplacesBytesExactlyAndLeavesNoTemporaryFile) {
