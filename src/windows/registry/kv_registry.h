@@ -46,9 +46,11 @@ class kvRegistry {
     // section when needed.
     void Value(const RegValue& vValue);
 
-    // Names of the section's values (sub-keys) in an array whose first index is 1. Always
-    // true for values; false for sub-keys only when the listing was cut short by an error.
+    // The names of the section's values, in an array whose first index is 1. Always true: a
+    // missing section lists nothing.
     bool EnumerateValues(VbArray<std::string>& sKeyNames, std::int32_t& iKeyCount) const;
+    // The names of the section's sub-keys, from index 1. False only when an error cut the
+    // listing short; the names found before it stay listed.
     bool EnumerateSections(VbArray<std::string>& sSect, std::int32_t& iSectCount) const;
 
     // Registers a file extension for a program, under HKEY_CLASSES_ROOT and again under
