@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <random>
 #include <sstream>
 #include <string>
 
@@ -14,8 +15,10 @@ class TempFolder {
   public:
     TempFolder() {
         const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
+        // Unique per run, so that test programs running at the same time never share a folder.
         root_ = std::filesystem::temp_directory_path() /
-                ("arbolet-" + std::string(test->test_suite_name()) + "-" + test->name());
+                ("arbolet-" + std::string(test->test_suite_name()) + "-" + test->name() + "-" +
+                 std::to_string(std::random_device{}()));
         Remove();
         std::filesystem::create_directories(root_);
     }
