@@ -1,8 +1,21 @@
 # Helpers shared by the build scripts.
-NATIVE_PACKAGES=(cmake ninja-build g++ clang libgtest-dev libbenchmark-dev libcli11-dev
+NATIVE_PACKAGES=(cmake ninja-build g++ clang ccache libgtest-dev libbenchmark-dev libcli11-dev
                  nlohmann-json3-dev libfmt-dev)
 
-step() { printf '\n== %s\n' "$*"; }
+ARBOLET_STARTED=${ARBOLET_STARTED:-$(date +%s)}
+export ARBOLET_STARTED
+
+# Prints a step heading with the seconds since the whole run started.
+step() { printf '\n== [%4ss] %s\n' "$(($(date +%s) - ARBOLET_STARTED))" "$*"; }
+
+# Lets CMake compile through ccache when it is installed. Paths are hashed relative to the
+# checkout, so a fresh clone reuses what an earlier build of the same sources compiled.
+use_compiler_cache() {
+    command -v ccache >/dev/null || return 0
+    export CMAKE_CXX_COMPILER_LAUNCHER=ccache
+    export CCACHE_BASEDIR="$PWD"
+    export CCACHE_NOHASHDIR=1
+}
 
 # Installs the Debian packages that are not installed yet (the scripts run as root).
 install_packages_if_missing() {
