@@ -37,6 +37,8 @@ int RunArbolet(int argc, const char* const* argv, Terminal terminal) {
     AddCheckCommand(app, context);
     AddTreeCommand(app, context);
     AddFoldersCommand(app, context);
+    AddRenameCommand(app, context);
+    AddAddCommand(app, context);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

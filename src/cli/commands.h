@@ -13,5 +13,7 @@ void AddCodeCommand(CLI::App& app, CliContext& context);
 void AddCheckCommand(CLI::App& app, CliContext& context);
 void AddTreeCommand(CLI::App& app, CliContext& context);
 void AddFoldersCommand(CLI::App& app, CliContext& context);
+void AddRenameCommand(CLI::App& app, CliContext& context);
+void AddAddCommand(CLI::App& app, CliContext& context);
 
 }  // namespace arbolet::cli

@@ -19,7 +19,9 @@ struct FoldersOptions {
     std::string name;       // add, remove
     std::string component;  // move
     std::string folder;     // move
+    std::string newName;    // rename
     CLI::App* add = nullptr;
+    CLI::App* rename = nullptr;
     CLI::App* remove = nullptr;
     CLI::App* move = nullptr;
 };
@@ -73,9 +75,33 @@ bool RefuseInvalidName(CliContext& context, LoadedTree& loaded, const std::strin
     return true;
 }
 
+// Renames the folder as an edit of its caption in the tree would; a fixed group's components
+// move into a custom folder of the new name.
+bool RenameFolder(CliContext& context, LoadedTree& loaded, env::VBProject& project,
+                  const FoldersOptions& options) {
+    const tree::NodeRef projectNode =
+        loaded.view.Nodes().Item(explorer::ProjectKey(project.Name()));
+    tree::NodeRef folder = projectNode->Child();
+    while (folder && text::ToLower(folder->Text()) != text::ToLower(options.name))
+        folder = folder->Next();
+    if (!folder) {
+        context.err << "arbolet: " << project.Name() << " has no folder named '" << options.name
+                    << "'\n";
+        context.Fail(kExitFindings);
+        return false;
+    }
+    bool cancel = false;
+    loaded.explorer.AfterLabelEdit(*folder, options.newName, cancel);
+    if (cancel) context.Fail(kExitFindings);
+    return !cancel;
+}
+
 // Runs the chosen change; false when it was refused.
 bool Change(CliContext& context, LoadedTree& loaded, env::VBProject& project,
             const FoldersOptions& options) {
+    if (options.rename->parsed()) {
+        return RenameFolder(context, loaded, project, options);
+    }
     if (options.add->parsed()) {
         if (RefuseInvalidName(context, loaded, options.name)) return false;
         loaded.explorer.AddFolder(project, options.name);
@@ -111,35 +137,13 @@ bool Change(CliContext& context, LoadedTree& loaded, env::VBProject& project,
     return loaded.ui.MessagesShown() == 0;
 }
 
-bool SaveChanges(CliContext& context, disk::DiskEnvironment& environment) {
-    const auto changed = environment.ChangedFiles();
-    try {
-        environment.Save();
-    } catch (const disk::FileError& error) {
-        context.err << "arbolet: " << error.what() << '\n';
-        context.Fail(kExitUsage);
-        return false;
-    }
-    for (const auto& file : changed) {
-        context.err << "arbolet: wrote " << ShownPath(file) << '\n';
-    }
-    return true;
-}
-
 void RunFolders(CliContext& context, const FoldersOptions& options) {
-    if (text::ToLower(disk::PathToUtf8(disk::PathFromUtf8(options.project).extension())) !=
-        ".vbp") {
-        context.err << "arbolet: folders works on one .vbp project, not " << options.project
-                    << '\n';
-        context.Fail(kExitUsage);
-        return;
-    }
-    auto environment = OpenProjects({options.project}, context);
+    auto environment = OpenOneProject(options.project, "folders", context);
     if (!environment) return;
     LoadedTree loaded(environment, context);
     const env::VBProjectRef project = environment->VBProjects()->Item(1);
-    const bool changing =
-        options.add->parsed() || options.remove->parsed() || options.move->parsed();
+    const bool changing = options.add->parsed() || options.remove->parsed() ||
+                          options.move->parsed() || options.rename->parsed();
     if (changing) {
         if (!Change(context, loaded, *project, options)) return;
         if (!SaveChanges(context, *environment)) return;
@@ -165,6 +169,12 @@ void AddFoldersCommand(CLI::App& app, CliContext& context) {
         "move", "Put a component in a folder (\"\" for the fixed group of its kind)");
     options->move->add_option("component", options->component, "Component name")->required();
     options->move->add_option("folder", options->folder, "Folder name")->required();
+    options->rename = command->add_subcommand(
+        "rename",
+        "Rename a folder; renaming a fixed group moves its components into a custom "
+        "folder of the new name");
+    options->rename->add_option("old", options->name, "Folder name")->required();
+    options->rename->add_option("new", options->newName, "New folder name")->required();
     command->callback([&context, options] { RunFolders(context, *options); });
 }
 

@@ -1,6 +1,7 @@
 // Opening projects for the commands (see project_loading.h).
 #include "cli/project_loading.h"
 
+#include "base/utf8.h"
 #include "cli/cli_context.h"
 #include "disk/file_io.h"
 #include "disk/vb_path.h"
@@ -36,8 +37,37 @@ std::string ShownPath(const std::filesystem::path& file) {
     return disk::PathToUtf8((below ? relative : file).generic_u8string());
 }
 
-LoadedTree::LoadedTree(std::shared_ptr<disk::DiskEnvironment> projects, CliContext& context)
-    : environment(std::move(projects)), ui(context.err), explorer(environment, view, ui) {
+bool SaveChanges(CliContext& context, disk::DiskEnvironment& environment) {
+    const auto changed = environment.ChangedFiles();
+    try {
+        environment.Save();
+    } catch (const disk::FileError& error) {
+        context.err << "arbolet: " << error.what() << '\n';
+        context.Fail(kExitUsage);
+        return false;
+    }
+    for (const auto& file : changed) {
+        context.err << "arbolet: wrote " << ShownPath(file) << '\n';
+    }
+    return true;
+}
+
+std::shared_ptr<disk::DiskEnvironment> OpenOneProject(const std::string& path,
+                                                      const std::string& command,
+                                                      CliContext& context) {
+    if (text::ToLower(disk::PathToUtf8(disk::PathFromUtf8(path).extension())) != ".vbp") {
+        context.err << "arbolet: " << command << " works on one .vbp project, not " << path << '\n';
+        context.Fail(kExitUsage);
+        return nullptr;
+    }
+    return OpenProjects({path}, context);
+}
+
+LoadedTree::LoadedTree(std::shared_ptr<disk::DiskEnvironment> projects, CliContext& context,
+                       analysis::IDisplayOptionSource* displayOptions)
+    : environment(std::move(projects)),
+      ui(context.err),
+      explorer(environment, view, ui, displayOptions) {
     explorer.RefreshProjects();
 }
 

@@ -24,9 +24,19 @@ std::shared_ptr<disk::DiskEnvironment> OpenProjects(const std::vector<std::strin
 // else in full; forward slashes on every platform.
 std::string ShownPath(const std::filesystem::path& file);
 
+// Saves every changed file, naming each on the error stream; false (reported, exit status 2) when
+// the save was refused and nothing was written.
+bool SaveChanges(CliContext& context, disk::DiskEnvironment& environment);
+
+// Opens exactly one .vbp project; nullptr (reported, exit status 2) otherwise.
+std::shared_ptr<disk::DiskEnvironment> OpenOneProject(const std::string& path,
+                                                      const std::string& command,
+                                                      CliContext& context);
+
 // The explorer over opened projects, with the tree built.
 struct LoadedTree {
-    LoadedTree(std::shared_ptr<disk::DiskEnvironment> projects, CliContext& context);
+    LoadedTree(std::shared_ptr<disk::DiskEnvironment> projects, CliContext& context,
+               analysis::IDisplayOptionSource* displayOptions = nullptr);
 
     std::shared_ptr<disk::DiskEnvironment> environment;
     tree::MemoryTreeView view;

@@ -1,11 +1,19 @@
-// `arbolet tree`: the project tree as the tool window shows it, as indented text or JSON.
+// `arbolet tree`: the project tree as the tool window shows it, as indented text or JSON; with
+// component nodes expanded into their code trees, and following the files while they change.
 #include <CLI/CLI.hpp>
+#include <atomic>
+#include <csignal>
+#include <set>
 
+#include "base/utf8.h"
 #include "cli/cli_context.h"
 #include "cli/commands.h"
+#include "cli/display_flags.h"
 #include "cli/json_writer.h"
 #include "cli/project_loading.h"
 #include "cli/terminal_style.h"
+#include "cli/tree_watch.h"
+#include "disk/file_io.h"
 #include "explorer/node_keys.h"
 
 namespace arbolet::cli {
@@ -14,59 +22,187 @@ namespace {
 struct TreeOptions {
     std::vector<std::string> projects;
     std::string format = "text";
+    std::string expand;  // "all", or component names separated by commas
+    bool watch = false;
+    analysis::DisplayOptions display;
 };
 
 bool IsPlaceholder(const tree::Node& node) {
     return node.Key().starts_with("Code - ") && node.Text() == explorer::kPlaceholderText;
 }
 
-// Components show collapsed, so their "Code List" placeholders are not drawn.
-void WriteText(const CliContext& context, const tree::NodeRef& first, std::size_t depth) {
-    for (tree::NodeRef node = first; node; node = node->Next()) {
-        if (IsPlaceholder(*node)) continue;
-        const bool bold = node->Bold() && context.colour;
-        context.out << std::string(depth * 2, ' ') << (bold ? kAnsiBold : "") << node->Text()
-                    << (bold ? kAnsiReset : "") << '\n';
-        WriteText(context, node->Child(), depth + 1);
+// Which component nodes to open: all, or those named (ignoring case).
+class ExpandChoice {
+  public:
+    explicit ExpandChoice(const std::string& spec) {
+        all_ = spec == "all";
+        std::size_t start = 0;
+        while (!all_ && start <= spec.size()) {
+            const std::size_t comma = std::min(spec.find(',', start), spec.size());
+            const std::string_view name =
+                text::Trim(std::string_view(spec).substr(start, comma - start));
+            if (!name.empty()) names_.insert(text::ToLower(name));
+            start = comma + 1;
+        }
     }
-}
+    bool Wants(const tree::Node& node) const {
+        if (!IsComponent(node)) return false;
+        return all_ || names_.contains(text::ToLower(node.Text()));
+    }
+
+  private:
+    static bool IsComponent(const tree::Node& node) {
+        const std::string key = node.Key();
+        return key.ends_with('~') && !key.starts_with("Type~") && !key.starts_with("Project~") &&
+               !key.starts_with("Code - ") && node.Image() == explorer::kComponentImage;
+    }
+    bool all_ = false;
+    std::set<std::string> names_;
+};
+
+// Renders the tree depth first without recursion; a chosen component is expanded when it is
+// reached and collapsed again once its code is written, so that one code tree at a time counts
+// against the node limit.
+class TreeRenderer {
+  public:
+    virtual ~TreeRenderer() = default;
+    void Render(explorer::ProjectExplorer& explorer, const tree::NodeRef& first,
+                const ExpandChoice& choice) {
+        struct Frame {
+            tree::NodeRef node;
+            bool opened;  // expanded by the renderer, to be collapsed on leaving
+        };
+        std::vector<Frame> frames;
+        tree::NodeRef next = first;
+        while (true) {
+            if (next) {
+                if (IsPlaceholder(*next) && SkipsPlaceholders()) {
+                    next = next->Next();
+                    continue;
+                }
+                const bool opened = choice.Wants(*next);
+                if (opened) explorer.ExpandNode(*next);
+                Enter(*next, frames.size());
+                frames.push_back({next, opened});
+                next = next->Child();
+                continue;
+            }
+            if (frames.empty()) break;
+            const Frame done = frames.back();
+            frames.pop_back();
+            Leave(*done.node);
+            const tree::NodeRef node = done.opened ? explorer.CollapseNode(*done.node) : done.node;
+            next = node ? node->Next() : nullptr;
+        }
+    }
+
+  protected:
+    virtual bool SkipsPlaceholders() const = 0;
+    virtual void Enter(const tree::Node& node, std::size_t depth) = 0;
+    virtual void Leave(const tree::Node& node) = 0;
+};
+
+// Components show collapsed unless expanded, so their "Code List" placeholders are not drawn.
+class TextRenderer final : public TreeRenderer {
+  public:
+    explicit TextRenderer(const CliContext& context) : context_(context) {}
+
+  protected:
+    bool SkipsPlaceholders() const override { return true; }
+    void Enter(const tree::Node& node, std::size_t depth) override {
+        std::string style;
+        if (context_.colour && node.Bold()) style = kAnsiBold;
+        if (context_.colour && node.ForeColor() != tree::kWindowTextColour)
+            style = AnsiForeground(node.ForeColor());
+        context_.out << std::string(depth * 2, ' ') << style << node.Text()
+                     << (style.empty() ? "" : kAnsiReset) << '\n';
+    }
+    void Leave(const tree::Node&) override {}
+
+  private:
+    const CliContext& context_;
+};
 
 // Every node, placeholders included, in tree order.
-void WriteJson(JsonWriter& json, const tree::NodeRef& first) {
-    json.BeginArray();
-    for (tree::NodeRef node = first; node; node = node->Next()) {
-        json.BeginObject();
-        json.Key("key");
-        json.String(node->Key());
-        json.Key("text");
-        json.String(node->Text());
-        json.Key("bold");
-        json.Bool(node->Bold());
-        json.Key("image");
-        const auto image = node->Image();
-        json.OptionalInteger(image ? std::optional<std::int64_t>(*image) : std::nullopt);
-        json.Key("children");
-        WriteJson(json, node->Child());
-        json.EndObject();
-    }
-    json.EndArray();
-}
+class JsonRenderer final : public TreeRenderer {
+  public:
+    explicit JsonRenderer(JsonWriter& json) : json_(json) {}
 
-void RunTree(CliContext& context, const TreeOptions& options) {
-    auto environment = OpenProjects(options.projects, context);
-    if (!environment) return;
-    LoadedTree loaded(environment, context);
+  protected:
+    bool SkipsPlaceholders() const override { return false; }
+    void Enter(const tree::Node& node, std::size_t) override {
+        json_.BeginObject();
+        json_.Key("key");
+        json_.String(node.Key());
+        json_.Key("text");
+        json_.String(node.Text());
+        json_.Key("bold");
+        json_.Bool(node.Bold());
+        json_.Key("image");
+        const auto image = node.Image();
+        json_.OptionalInteger(image ? std::optional<std::int64_t>(*image) : std::nullopt);
+        json_.Key("colour");
+        json_.Integer(static_cast<std::uint32_t>(node.ForeColor()));
+        json_.Key("tag");
+        json_.String(node.Tag());
+        json_.Key("children");
+        json_.BeginArray();
+    }
+    void Leave(const tree::Node&) override {
+        json_.EndArray();
+        json_.EndObject();
+    }
+
+  private:
+    JsonWriter& json_;
+};
+
+void RenderTree(CliContext& context, LoadedTree& loaded, const TreeOptions& options) {
+    const ExpandChoice choice(options.expand);
     const tree::NodeRef first = tree::FirstRoot(loaded.view.Nodes());
     if (options.format == "json") {
         JsonWriter json(context.out);
         json.BeginObject();
         json.Key("nodes");
-        WriteJson(json, first);
+        json.BeginArray();
+        JsonRenderer(json).Render(loaded.explorer, first, choice);
+        json.EndArray();
         json.EndObject();
         context.out << '\n';
     } else {
-        WriteText(context, first, 0);
+        TextRenderer(context).Render(loaded.explorer, first, choice);
     }
+    context.out.flush();
+}
+
+std::atomic<bool> gInterrupted{false};
+
+void OnInterrupt(int) {
+    gInterrupted = true;
+}
+
+void RunTree(CliContext& context, const TreeOptions& options) {
+    auto environment = OpenProjects(options.projects, context);
+    if (!environment) return;
+    analysis::FixedDisplayOptions display(options.display);
+    LoadedTree loaded(environment, context, &display);
+    RenderTree(context, loaded, options);
+    if (!options.watch) return;
+    gInterrupted = false;
+    const auto previous = std::signal(SIGINT, OnInterrupt);
+    try {
+        TreeWatch watch(loaded, context);
+        while (!gInterrupted) {
+            if (watch.Step(std::chrono::milliseconds(1000), gInterrupted)) {
+                context.out << (context.colour ? "\x1b[2J\x1b[H" : "\n");
+                RenderTree(context, loaded, options);
+            }
+        }
+    } catch (const disk::FileError& error) {
+        context.err << "arbolet: " << error.what() << '\n';
+        context.Fail(kExitUsage);
+    }
+    std::signal(SIGINT, previous);
 }
 
 }  // namespace
@@ -80,6 +216,12 @@ void AddTreeCommand(CLI::App& app, CliContext& context) {
     command->add_option("projects", options->projects, "A .vbg group or .vbp projects")->required();
     command->add_option("--format", options->format, "Output format")
         ->check(CLI::IsMember({"text", "json"}));
+    command->add_option("--expand", options->expand,
+                        "Show the code trees of all components, or of NAME[,NAME...]");
+    command->add_flag("--watch", options->watch,
+                      "Keep following the files and print the tree again after each change "
+                      "(Ctrl-C ends)");
+    AddDisplayFlags(*command, options->display);
     command->callback([&context, options] { RunTree(context, *options); });
 }
 

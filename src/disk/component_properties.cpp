@@ -117,13 +117,7 @@ bool ComponentText::WriteProperty(std::string_view key, std::string_view value) 
         throw VbError(env::enverr::kInvalidProcedureCall, kSource,
                       "An extended property cannot hold a line break");
     }
-    // A file whose structure could not be read is not edited: the new line could land anywhere.
-    for (const auto& diagnostic : file_.diagnostics) {
-        if (diagnostic.severity != FileDiagnostic::Severity::Error) continue;
-        throw VbError(env::enverr::kNotSupported, kSource,
-                      "cannot be changed safely: line " + std::to_string(diagnostic.line) + ": " +
-                          diagnostic.message);
-    }
+    RequireReadableStructure(kSource);
     const auto line = FindPropertyLine(key);
     const std::string keyAsWritten =
         line ? ParseExtKeyAttribute(file_.lines[*line])->first : std::string(key);
@@ -141,6 +135,71 @@ bool ComponentText::WriteProperty(std::string_view key, std::string_view value) 
     }
     file_ = ParseComponentFile(editor_.Bytes(), codePage_);
     return true;
+}
+
+// A file whose structure could not be read is not edited: the new line could land anywhere.
+void ComponentText::RequireReadableStructure(const char* source) const {
+    for (const auto& diagnostic : file_.diagnostics) {
+        if (diagnostic.severity != FileDiagnostic::Severity::Error) continue;
+        throw VbError(env::enverr::kNotSupported, source,
+                      "cannot be changed safely: line " + std::to_string(diagnostic.line) + ": " +
+                          diagnostic.message);
+    }
+}
+
+void ComponentText::Rename(std::string_view newName) {
+    constexpr const char* kSource = "VBComponent.Name";
+    RequireReadableStructure(kSource);
+    const auto encoded = EncodeCodePage(newName, codePage_);
+    if (!encoded || newName.find_first_of("\"\r\n") != std::string_view::npos) {
+        throw VbError(env::enverr::kInvalidPropertyValue, kSource, "Invalid property value");
+    }
+    const std::string oldName = file_.name;
+    std::optional<std::size_t> nameLine;
+    for (auto i = file_.attributesBegin; i < file_.attributesEnd && !nameLine; ++i) {
+        const std::string line = text::ToLower(file_.lines[static_cast<std::size_t>(i)]);
+        const auto rest = text::TrimLeft(text::TrimLeft(line).substr(9));
+        if (rest.starts_with("vb_name")) nameLine = static_cast<std::size_t>(i);
+    }
+    if (nameLine) {
+        // Only the text between the quotes changes; the quotes are the same byte in every
+        // supported code page.
+        const std::string_view raw = editor_.Content(*nameLine);
+        const auto open = raw.find('"');
+        const auto close = open == std::string_view::npos ? open : raw.find('"', open + 1);
+        if (open == std::string_view::npos) {
+            editor_.ReplaceContent(*nameLine, "Attribute VB_Name = \"" + *encoded + "\"");
+        } else {
+            editor_.ReplaceInLine(*nameLine, open + 1,
+                                  (close == std::string_view::npos ? raw.size() : close) - open - 1,
+                                  *encoded);
+        }
+    } else {
+        editor_.InsertLine(static_cast<std::size_t>(file_.attributesBegin),
+                           "Attribute VB_Name = \"" + *encoded + "\"");
+    }
+    RenameDesignerBlock(oldName, *encoded);
+    file_ = ParseComponentFile(editor_.Bytes(), codePage_);
+}
+
+// `Begin VB.Form frmMain`: the IDE writes the component's name there too.
+void ComponentText::RenameDesignerBlock(std::string_view oldName, const std::string& encodedName) {
+    if (oldName.empty()) return;
+    for (auto i = 0; i < file_.attributesBegin; ++i) {
+        const std::string& line = file_.lines[static_cast<std::size_t>(i)];
+        const std::string_view trimmed = text::TrimLeft(line);
+        if (text::ToLower(trimmed.substr(0, 6)) != "begin ") continue;
+        const std::string_view rest = text::TrimLeft(trimmed.substr(6));
+        const auto classEnd = rest.find(' ');
+        if (classEnd == std::string_view::npos) return;
+        const std::string_view name = text::Trim(rest.substr(classEnd));
+        if (text::ToLower(name) != text::ToLower(oldName)) return;
+        // A line whose bytes are its characters (ASCII) holds the name at the same position.
+        const auto column = static_cast<std::size_t>(name.data() - line.data());
+        if (editor_.Content(static_cast<std::size_t>(i)) != line) return;
+        editor_.ReplaceInLine(static_cast<std::size_t>(i), column, name.size(), encodedName);
+        return;
+    }
 }
 
 }  // namespace arbolet::disk

@@ -34,7 +34,13 @@ class ComponentText {
     // errors (binary data, an unclosed designer block), where the attribute block is unknown.
     bool WriteProperty(std::string_view key, std::string_view value);
 
+    // Writes the new name into `Attribute VB_Name` (added when missing) and into the head of the
+    // designer block when that names the component. Raises arbolet::VbError as WriteProperty.
+    void Rename(std::string_view newName);
+
   private:
+    void RequireReadableStructure(const char* source) const;
+    void RenameDesignerBlock(std::string_view oldName, const std::string& encodedName);
     std::optional<std::size_t> FindPropertyLine(std::string_view key) const;
 
     LineEditor editor_;

@@ -178,7 +178,8 @@ std::string LoadWarning::ToString() const {
 
 // ---- components ----
 
-class DiskComponent final : public env::VBComponent {
+class DiskComponent final : public env::VBComponent,
+                            public std::enable_shared_from_this<DiskComponent> {
   public:
     DiskComponent(std::string name, ComponentType type, fs::path path,
                   std::optional<ComponentText> text)
@@ -187,6 +188,7 @@ class DiskComponent final : public env::VBComponent {
     }
 
     std::string Name() const override { return name_; }
+    void SetName(std::string_view name) override;
     ComponentType Type() const override { return type_; }
     std::int16_t FileCount() const override { return 1; }
 
@@ -232,8 +234,19 @@ class DiskComponent final : public env::VBComponent {
     const std::string& Original() const { return original_; }
     const std::string& Current() const { return text_ ? text_->Bytes() : original_; }
     void MarkSaved() { original_ = Current(); }
+    // Takes the file's new contents as read from disk.
+    void Reload(std::string name, ComponentType type, ComponentText text) {
+        name_ = std::move(name);
+        type_ = type;
+        text_ = std::move(text);
+        original_ = text_->Bytes();
+    }
+    bool HasText() const { return text_.has_value(); }
 
     std::weak_ptr<env::VBComponents> collection;
+    // How the project file lists it: the key's kind and the path as written.
+    EntryKind entryKind = EntryKind::Module;
+    std::string entryPath;
 
   private:
     std::string name_;
@@ -254,6 +267,7 @@ class DiskComponents final : public env::VBComponents {
         return ItemByName<env::VBComponentRef>(items, name, "VBComponents.Item");
     }
     env::VBProjectRef Parent() const override { return parent_.lock(); }
+    env::VBComponentRef AddFile(std::string_view fileName) override;
 
     std::vector<std::shared_ptr<DiskComponent>> items;
 
@@ -263,7 +277,7 @@ class DiskComponents final : public env::VBComponents {
 
 // ---- projects ----
 
-class DiskProject final : public env::VBProject {
+class DiskProject final : public env::VBProject, public std::enable_shared_from_this<DiskProject> {
   public:
     DiskProject(fs::path path, std::string shownAs, ProjectFile text)
         : path_(std::move(path)),
@@ -272,6 +286,7 @@ class DiskProject final : public env::VBProject {
           original_(text_.Bytes()) {}
 
     std::string Name() const override { return name; }
+    void SetName(std::string_view newName) override;
     std::string FileName() const override { return PathToUtf8(path_); }
 
     std::string ReadProperty(std::string_view section, std::string_view key) const override {
@@ -294,10 +309,22 @@ class DiskProject final : public env::VBProject {
     bool Changed() const { return text_.Bytes() != original_; }
     const std::string& Original() const { return original_; }
     void MarkSaved() { original_ = text_.Bytes(); }
+    ProjectFile& EditText() { return text_; }
+    void Reload(ProjectFile text) {
+        text_ = std::move(text);
+        original_ = text_.Bytes();
+    }
+
+    template <typename Deliver>
+    void RaiseComponentEvent(Deliver&& deliver) {
+        if (auto hub = events.lock()) hub->RaiseComponentEvent(this, deliver);
+    }
 
     std::string name;
     std::shared_ptr<DiskComponents> components;
     std::weak_ptr<env::VBProjects> collection;
+    std::weak_ptr<env::EventHub> events;
+    int codePage = kDefaultCodePage;
 
   private:
     fs::path path_;
@@ -341,8 +368,11 @@ struct ComponentLoader {
             return nullptr;
         }
         if (!HasCode(entry.kind)) {
-            return std::make_shared<DiskComponent>("", TypeOf(entry.kind, nullptr), *resolved,
-                                                   std::nullopt);
+            auto component = std::make_shared<DiskComponent>("", TypeOf(entry.kind, nullptr),
+                                                             *resolved, std::nullopt);
+            component->entryKind = entry.kind;
+            component->entryPath = entry.path;
+            return component;
         }
         std::string bytes;
         try {
@@ -355,8 +385,11 @@ struct ComponentLoader {
         ComponentText text(std::move(bytes), codePage);
         ReportDamage(entry, text.File());
         const ComponentType type = TypeOf(entry.kind, &text.File());
-        return std::make_shared<DiskComponent>(NameOf(entry, text.File(), *resolved), type,
-                                               *resolved, std::move(text));
+        auto component = std::make_shared<DiskComponent>(NameOf(entry, text.File(), *resolved),
+                                                         type, *resolved, std::move(text));
+        component->entryKind = entry.kind;
+        component->entryPath = entry.path;
+        return component;
     }
 
     // The name in the file wins; a module or class without one keeps the project's name for it.
@@ -459,6 +492,8 @@ std::shared_ptr<DiskProject> DiskEnvironment::LoadProject(const fs::path& projec
     }
     project->components = std::make_shared<DiskComponents>(project);
     project->collection = projects_;
+    project->events = events_;
+    project->codePage = codePage_;
     const ComponentLoader loader{*project, codePage_, warnings_};
     for (const ComponentEntry& entry : ComponentEntries(project->Text())) {
         if (auto component = loader.Load(entry)) {
@@ -573,6 +608,373 @@ void DiskEnvironment::Save() {
         for (const auto& component : project->components->items)
             component->MarkSaved();
     }
+}
+
+// ---- renaming and adding ----
+
+namespace {
+
+constexpr std::size_t kMaxVbNameLength = 40;
+
+// A VB identifier: a letter, then letters, digits and underscores, at most 40 characters.
+bool IsVbIdentifier(std::string_view name) {
+    const auto isLetter = [](char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); };
+    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+    if (name.empty() || name.size() > kMaxVbNameLength || !isLetter(name.front())) return false;
+    return std::all_of(name.begin(), name.end(),
+                       [&](char c) { return isLetter(c) || isDigit(c) || c == '_'; });
+}
+
+[[noreturn]] void RaiseInvalidName(const char* source, const std::string& why) {
+    throw VbError(env::enverr::kInvalidPropertyValue, source, why);
+}
+
+std::string_view KeyOfKind(EntryKind kind) {
+    switch (kind) {
+        case EntryKind::Module:
+            return "Module";
+        case EntryKind::Class:
+            return "Class";
+        case EntryKind::Form:
+            return "Form";
+        case EntryKind::UserControl:
+            return "UserControl";
+        case EntryKind::PropertyPage:
+            return "PropertyPage";
+        case EntryKind::UserDocument:
+            return "UserDocument";
+        case EntryKind::Designer:
+            return "Designer";
+        case EntryKind::RelatedDoc:
+            return "RelatedDoc";
+        case EntryKind::ResFile:
+            return "ResFile32";
+    }
+    return "Module";
+}
+
+std::optional<EntryKind> KindOfFile(const fs::path& file) {
+    static constexpr std::pair<std::string_view, EntryKind> kKinds[] = {
+        {".bas", EntryKind::Module},       {".cls", EntryKind::Class},
+        {".frm", EntryKind::Form},         {".ctl", EntryKind::UserControl},
+        {".pag", EntryKind::PropertyPage}, {".dob", EntryKind::UserDocument},
+        {".dsr", EntryKind::Designer},
+    };
+    const std::string extension = text::ToLower(PathToUtf8(file.extension()));
+    for (const auto& [name, kind] : kKinds) {
+        if (extension == name) return kind;
+    }
+    return std::nullopt;
+}
+
+// How a project file writes a path: relative to its folder when it can, with backslashes.
+std::string VbPathFor(const fs::path& file, const fs::path& projectFolder) {
+    std::error_code ec;
+    const fs::path folder = Canonical(fs::absolute(projectFolder, ec));
+    const fs::path relative = Canonical(file).lexically_relative(folder);
+    std::string text = PathToUtf8(relative.empty() ? Canonical(file) : relative);
+    std::replace(text.begin(), text.end(), '/', '\\');
+    return text;
+}
+
+bool NamesComponentOf(const DiskComponents& components, std::string_view name,
+                      const DiskComponent* except) {
+    const std::string lower = text::ToLower(name);
+    return std::any_of(components.items.begin(), components.items.end(), [&](const auto& c) {
+        return c.get() != except && text::ToLower(c->Name()) == lower;
+    });
+}
+
+}  // namespace
+
+// The file keeps its name; `Attribute VB_Name` and, for modules and classes, the project file's
+// entry take the new one.
+void DiskComponent::SetName(std::string_view newName) {
+    constexpr const char* kSource = "VBComponent.Name";
+    const auto components = std::static_pointer_cast<DiskComponents>(collection.lock());
+    const auto project =
+        components ? std::static_pointer_cast<DiskProject>(components->Parent()) : nullptr;
+    if (!text_ || !project) env::enverr::RaiseNotSupported(kSource);
+    if (!IsVbIdentifier(newName)) RaiseInvalidName(kSource, "Invalid property value");
+    if (NamesComponentOf(*components, newName, this)) {
+        RaiseInvalidName(kSource,
+                         "Name conflicts with existing module, project, or object "
+                         "library");
+    }
+    ComponentText renamed = *text_;
+    renamed.Rename(newName);
+    ProjectFile projectText = project->Text();
+    if (entryKind == EntryKind::Module || entryKind == EntryKind::Class) {
+        for (const ProjectEntry& entry : projectText.TopLevel()) {
+            const auto semicolon = entry.value.find(';');
+            if (KindOfKey(entry.key) != entryKind || semicolon == std::string::npos ||
+                Unquoted(text::Trim(std::string_view(entry.value).substr(semicolon + 1))) !=
+                    entryPath) {
+                continue;
+            }
+            projectText.SetTopLevelValue(entry.line,
+                                         std::string(newName) + entry.value.substr(semicolon));
+            break;
+        }
+    }
+    // Both texts changed or neither: the edits above raise before anything is taken.
+    text_ = std::move(renamed);
+    project->EditText() = std::move(projectText);
+    const std::string oldName = std::exchange(name_, std::string(newName));
+    const env::VBComponentRef self = shared_from_this();
+    project->RaiseComponentEvent(
+        [&](env::VBComponentsEventsSink& sink) { sink.ItemRenamed(self, oldName); });
+}
+
+void DiskProject::SetName(std::string_view newName) {
+    constexpr const char* kSource = "VBProject.Name";
+    if (!IsVbIdentifier(newName)) RaiseInvalidName(kSource, "Invalid property value");
+    const auto projects = std::static_pointer_cast<DiskProjects>(collection.lock());
+    if (projects) {
+        const std::string lower = text::ToLower(newName);
+        for (const auto& other : projects->items) {
+            if (other.get() != this && text::ToLower(other->name) == lower) {
+                RaiseInvalidName(kSource,
+                                 "Name conflicts with existing module, project, or "
+                                 "object library");
+            }
+        }
+    }
+    const std::string quoted = "\"" + std::string(newName) + "\"";
+    std::optional<std::size_t> nameLine;
+    for (const ProjectEntry& entry : text_.TopLevel()) {
+        if (text::ToLower(entry.key) == "name") {
+            nameLine = entry.line;
+            break;
+        }
+    }
+    if (nameLine) {
+        text_.SetTopLevelValue(*nameLine, quoted);
+    } else {
+        text_.AddTopLevelEntry("Name", quoted);
+    }
+    const std::string oldName = std::exchange(name, std::string(newName));
+    if (auto hub = events.lock()) {
+        const env::VBProjectRef self = shared_from_this();
+        hub->RaiseProjectEvent(
+            [&](env::VBProjectsEventsSink& sink) { sink.ItemRenamed(self, oldName); });
+    }
+}
+
+env::VBComponentRef DiskComponents::AddFile(std::string_view fileName) {
+    constexpr const char* kSource = "VBComponents.AddFile";
+    const auto project = std::static_pointer_cast<DiskProject>(Parent());
+    if (!project) env::enverr::RaiseObjectNotSet(kSource);
+    const fs::path folder = project->Path().parent_path();
+    const fs::path given = PathFromUtf8(fileName);
+    const auto resolved = ResolveVbPath(fs::current_path(), PathToUtf8(given.generic_u8string()));
+    if (!resolved || !fs::is_regular_file(*resolved)) {
+        throw VbError(53, kSource, "File not found: '" + std::string(fileName) + "'");
+    }
+    const auto kind = KindOfFile(*resolved);
+    if (!kind) {
+        throw VbError(env::enverr::kInvalidProcedureCall, kSource,
+                      "'" + std::string(fileName) + "' is not a component file");
+    }
+    const fs::path canonical = Canonical(*resolved);
+    for (const auto& component : items) {
+        if (Canonical(component->Path()) == canonical) {
+            throw VbError(env::enverr::kFileAlreadyInProject, kSource,
+                          "'" + std::string(fileName) + "' is already part of the project");
+        }
+    }
+    std::vector<LoadWarning> warnings;
+    const ComponentLoader loader{*project, project->codePage, warnings};
+    ComponentEntry entry{*kind, {}, VbPathFor(canonical, folder), 0};
+    auto component = loader.Load(entry);
+    if (!component) throw VbError(75, kSource, "Path/File access error: '" + entry.path + "'");
+    if (NamesComponentOf(*this, component->Name(), nullptr)) {
+        throw VbError(env::enverr::kInvalidPropertyValue, kSource,
+                      "Name conflicts with existing module, project, or object library: " +
+                          component->Name());
+    }
+    const bool named = *kind == EntryKind::Module || *kind == EntryKind::Class;
+    project->EditText().AddTopLevelEntry(
+        KeyOfKind(*kind), named ? component->Name() + "; " + entry.path : entry.path);
+    component->collection = project->components;
+    items.push_back(component);
+    const env::VBComponentRef added = component;
+    project->RaiseComponentEvent([&](env::VBComponentsEventsSink& sink) { sink.ItemAdded(added); });
+    return added;
+}
+
+// ---- following the files on disk ----
+
+namespace {
+
+bool Contains(const std::vector<fs::path>& paths, const fs::path& path) {
+    return std::find(paths.begin(), paths.end(), Canonical(path)) != paths.end();
+}
+
+}  // namespace
+
+std::vector<fs::path> DiskEnvironment::Folders() const {
+    std::vector<fs::path> folders;
+    const auto add = [&](const fs::path& file) {
+        const fs::path folder = Canonical(file).parent_path();
+        if (std::find(folders.begin(), folders.end(), folder) == folders.end()) {
+            folders.push_back(folder);
+        }
+    };
+    for (const auto& project : projects_->items) {
+        add(project->Path());
+        for (const auto& component : project->components->items)
+            add(component->Path());
+    }
+    return folders;
+}
+
+void DiskEnvironment::Refresh(const std::vector<fs::path>& changedFiles) {
+    std::vector<fs::path> changed;
+    for (const auto& file : changedFiles)
+        changed.push_back(Canonical(file));
+    const auto projects = projects_->items;  // closing a project changes the list
+    for (const auto& project : projects)
+        RefreshProject(project, changed);
+}
+
+void DiskEnvironment::RefreshProject(const std::shared_ptr<DiskProject>& project,
+                                     const std::vector<fs::path>& changed) {
+    if (Contains(changed, project->Path())) {
+        std::error_code ec;
+        if (!fs::exists(project->Path(), ec)) {
+            CloseProject(project);
+            return;
+        }
+        ReloadProjectFile(project);
+    }
+    SyncComponents(*project, changed);
+}
+
+void DiskEnvironment::CloseProject(const std::shared_ptr<DiskProject>& project) {
+    if (project->Changed()) {
+        warnings_.push_back({project->ShownAs(), 0, "the project file has gone; it stays open"});
+        return;
+    }
+    auto& items = projects_->items;
+    items.erase(std::remove(items.begin(), items.end(), project), items.end());
+    const env::VBProjectRef removed = project;
+    events_->RaiseProjectEvent([&](env::VBProjectsEventsSink& sink) { sink.ItemRemoved(removed); });
+    events_->ForgetProject(project.get());
+}
+
+void DiskEnvironment::ReloadProjectFile(const std::shared_ptr<DiskProject>& project) {
+    std::string bytes;
+    try {
+        bytes = ReadFileBytes(project->Path());
+    } catch (const FileError& error) {
+        warnings_.push_back({project->ShownAs(), 0, error.what()});
+        return;
+    }
+    if (bytes == project->Original()) return;
+    if (project->Changed()) {
+        warnings_.push_back({project->ShownAs(), 0,
+                             "changed on disk while it has changes not saved; not reloaded"});
+        return;
+    }
+    ProjectFile text(std::move(bytes), codePage_);
+    if (text.IsBinary()) {
+        warnings_.push_back({project->ShownAs(), 0, "no longer a project file; not reloaded"});
+        return;
+    }
+    std::vector<LoadWarning> ignored;
+    const std::string newName = ProjectNameOf(text, project->Path(), project->ShownAs(), ignored);
+    project->Reload(std::move(text));
+    if (newName == project->name) return;
+    const std::string oldName = std::exchange(project->name, newName);
+    const env::VBProjectRef renamed = project;
+    events_->RaiseProjectEvent(
+        [&](env::VBProjectsEventsSink& sink) { sink.ItemRenamed(renamed, oldName); });
+}
+
+// The project file's entries decide which components the project has; a component whose file
+// changed is read again.
+void DiskEnvironment::SyncComponents(DiskProject& project, const std::vector<fs::path>& changed) {
+    auto& items = project.components->items;
+    std::vector<std::shared_ptr<DiskComponent>> kept;
+    std::vector<std::shared_ptr<DiskComponent>> added;
+    std::vector<LoadWarning> ignored;
+    const ComponentLoader loader{project, codePage_, ignored};
+    for (const ComponentEntry& entry : ComponentEntries(project.Text())) {
+        const auto resolved = ResolveVbPath(project.Path().parent_path(), entry.path);
+        if (!resolved) continue;
+        const fs::path canonical = Canonical(*resolved);
+        const auto existing = std::find_if(items.begin(), items.end(), [&](const auto& c) {
+            return Canonical(c->Path()) == canonical;
+        });
+        if (existing != items.end()) {
+            kept.push_back(*existing);
+        } else if (auto component = loader.Load(entry)) {
+            component->collection = project.components;
+            kept.push_back(component);
+            added.push_back(component);
+        }
+    }
+    std::vector<std::shared_ptr<DiskComponent>> removed;
+    for (const auto& component : items) {
+        if (std::find(kept.begin(), kept.end(), component) == kept.end())
+            removed.push_back(component);
+    }
+    items = kept;
+    for (const auto& component : removed) {
+        const env::VBComponentRef gone = component;
+        project.RaiseComponentEvent([&](env::VBComponentsEventsSink& s) { s.ItemRemoved(gone); });
+    }
+    for (const auto& component : added) {
+        const env::VBComponentRef fresh = component;
+        project.RaiseComponentEvent([&](env::VBComponentsEventsSink& s) { s.ItemAdded(fresh); });
+    }
+    for (const auto& component : std::vector(items)) {
+        if (Contains(changed, component->Path())) ReloadComponent(project, component);
+    }
+}
+
+void DiskEnvironment::ReloadComponent(DiskProject& project,
+                                      const std::shared_ptr<DiskComponent>& component) {
+    const std::string shown = PathToUtf8(component->Path().generic_u8string());
+    std::error_code ec;
+    if (!fs::exists(component->Path(), ec)) {
+        if (component->Changed()) {
+            warnings_.push_back({shown, 0, "the file has gone; its changes stay unsaved"});
+            return;
+        }
+        auto& items = project.components->items;
+        items.erase(std::remove(items.begin(), items.end(), component), items.end());
+        const env::VBComponentRef gone = component;
+        project.RaiseComponentEvent([&](env::VBComponentsEventsSink& s) { s.ItemRemoved(gone); });
+        return;
+    }
+    if (!component->HasText()) return;
+    std::string bytes;
+    try {
+        bytes = ReadFileBytes(component->Path());
+    } catch (const FileError& error) {
+        warnings_.push_back({shown, 0, error.what()});
+        return;
+    }
+    if (bytes == component->Original()) return;
+    if (component->Changed()) {
+        warnings_.push_back({shown, 0,
+                             "changed on disk while it has changes not saved; not "
+                             "reloaded"});
+        return;
+    }
+    ComponentText text(std::move(bytes), codePage_);
+    const std::string newName = text.File().name.empty() ? component->Name() : text.File().name;
+    const ComponentType type = TypeOf(component->entryKind, &text.File());
+    const std::string oldName = component->Name();
+    component->Reload(newName, type, std::move(text));
+    const env::VBComponentRef reloaded = component;
+    if (newName != oldName) {
+        project.RaiseComponentEvent(
+            [&](env::VBComponentsEventsSink& s) { s.ItemRenamed(reloaded, oldName); });
+    }
+    project.RaiseComponentEvent([&](env::VBComponentsEventsSink& s) { s.ItemReloaded(reloaded); });
 }
 
 }  // namespace arbolet::disk

@@ -30,6 +30,7 @@ struct LoadWarning {
 
 class DiskProject;
 class DiskProjects;
+class DiskComponent;
 
 class DiskEnvironment final : public env::VBE,
                               public std::enable_shared_from_this<DiskEnvironment> {
@@ -49,6 +50,15 @@ class DiskEnvironment final : public env::VBE,
     // Opens one more project file (VBProjects.AddFromFile) and raises ItemAdded.
     env::VBProjectRef AddFromFile(const std::filesystem::path& projectFile);
 
+    // Takes in what changed on disk: a changed component file is reloaded (ItemReloaded, or
+    // ItemRenamed first when its name changed), a vanished one removed (ItemRemoved); a changed
+    // project file adds and removes components (ItemAdded, ItemRemoved) and renames the project
+    // (ItemRenamed); a vanished project file closes the project (ItemRemoved). Files with
+    // changes not yet saved are left as they are, with a warning, so that nothing is lost.
+    void Refresh(const std::vector<std::filesystem::path>& changedFiles);
+    // The folders holding the open projects and their component files.
+    std::vector<std::filesystem::path> Folders() const;
+
     const std::vector<LoadWarning>& Warnings() const { return warnings_; }
     // The files whose bytes differ from what was read.
     std::vector<std::filesystem::path> ChangedFiles() const;
@@ -65,6 +75,12 @@ class DiskEnvironment final : public env::VBE,
                                              const std::string& shownAs);
     bool IsOpen(const std::filesystem::path& projectFile) const;
     bool HasProjectNamed(const std::string& name) const;
+    void RefreshProject(const std::shared_ptr<DiskProject>& project,
+                        const std::vector<std::filesystem::path>& changed);
+    void ReloadProjectFile(const std::shared_ptr<DiskProject>& project);
+    void SyncComponents(DiskProject& project, const std::vector<std::filesystem::path>& changed);
+    void ReloadComponent(DiskProject& project, const std::shared_ptr<DiskComponent>& component);
+    void CloseProject(const std::shared_ptr<DiskProject>& project);
 
     int codePage_;
     std::shared_ptr<DiskProjects> projects_;

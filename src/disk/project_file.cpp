@@ -171,4 +171,24 @@ bool ProjectFile::WriteProperty(std::string_view section, std::string_view key,
     return true;
 }
 
+void ProjectFile::SetTopLevelValue(std::size_t line, std::string_view value) {
+    RequireSingleLine(value, "A value");
+    const std::string encoded = Encode(value);
+    const std::string_view raw = editor_.Content(line);
+    const std::size_t equals = raw.find('=');
+    if (equals == std::string_view::npos) RaiseUnstorable("the line holds no value");
+    const std::size_t valueStart = std::min(raw.find_first_not_of(" \t", equals + 1), raw.size());
+    editor_.ReplaceInLine(line, valueStart, raw.size() - valueStart, encoded);
+    Parse();
+}
+
+void ProjectFile::AddTopLevelEntry(std::string_view key, std::string_view value) {
+    RequireSingleLine(key, "A key");
+    RequireSingleLine(value, "A value");
+    const std::string newLine = Encode(key) + "=" + Encode(value);
+    const std::size_t before = topLevel_.empty() ? 0 : topLevel_.back().line + 1;
+    editor_.InsertLine(before, newLine);
+    Parse();
+}
+
 }  // namespace arbolet::disk

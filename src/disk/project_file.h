@@ -48,6 +48,12 @@ class ProjectFile {
     // arbolet::VbError for names or text that the file cannot hold (line breaks, "]" in a
     // section, "=" in a key, characters without form in the code page).
     bool WriteProperty(std::string_view section, std::string_view key, std::string_view value);
+    // Replaces the value of the top-level entry on file line `line` (0-based), keeping the
+    // key's spelling and the blanks before the value. Raises arbolet::VbError as WriteProperty.
+    void SetTopLevelValue(std::size_t line, std::string_view value);
+    // Adds a top-level Key=Value line after the last top-level entry (at the top when there is
+    // none), before any section.
+    void AddTopLevelEntry(std::string_view key, std::string_view value);
 
   private:
     void Parse();

@@ -135,6 +135,18 @@ std::shared_ptr<env::VBComponents> MemoryComponent::Collection() const {
     return collection_.lock();
 }
 
+// As the IDE: the project renames it and raises the event.
+void MemoryComponent::SetName(std::string_view name) {
+    const auto components = collection_.lock();
+    const auto project =
+        components ? std::dynamic_pointer_cast<MemoryProject>(components->Parent()) : nullptr;
+    if (!project) {
+        name_ = name;
+        return;
+    }
+    project->RenameComponent(shared_from_this(), std::string(name));
+}
+
 void MemoryComponent::SetHasPropertyStore(bool has) {
     if (!has) {
         properties_.reset();
@@ -161,6 +173,16 @@ std::string MemoryProject::ReadProperty(std::string_view section, std::string_vi
 void MemoryProject::WriteProperty(std::string_view section, std::string_view key,
                                   std::string_view value) {
     properties_[{text::ToLower(section), text::ToLower(key)}] = value;
+}
+
+void MemoryProject::SetName(std::string_view name) {
+    const auto projects = collection_.lock();
+    const auto events = EventsOrNull();
+    const std::string oldName = std::exchange(name_, std::string(name));
+    if (events && projects) {
+        const VBProjectRef self = shared_from_this();
+        events->RaiseProjectEvent([&](VBProjectsEventsSink& s) { s.ItemRenamed(self, oldName); });
+    }
 }
 
 std::shared_ptr<env::VBComponents> MemoryProject::VBComponents() const {

@@ -26,6 +26,7 @@ class MemoryComponent final : public VBComponent,
     MemoryComponent(std::string name, ComponentType type, std::string fileName, std::string code);
 
     std::string Name() const override { return name_; }
+    void SetName(std::string_view name) override;
     ComponentType Type() const override { return type_; }
     std::int16_t FileCount() const override;
     std::string FileNames(std::int16_t index) const override;
@@ -55,6 +56,7 @@ class MemoryProject final : public VBProject, public std::enable_shared_from_thi
     MemoryProject(std::string name, std::string fileName);
 
     std::string Name() const override { return name_; }
+    void SetName(std::string_view name) override;
     std::string FileName() const override { return fileName_; }
     std::string ReadProperty(std::string_view section, std::string_view key) const override;
     void WriteProperty(std::string_view section, std::string_view key,

@@ -26,7 +26,23 @@ void RaiseObjectNotSet(const std::string& source) {
     throw VbError(kObjectNotSet, source, "Object variable or With block variable not set");
 }
 
+void RaiseNotSupported(const std::string& source) {
+    throw VbError(kNotSupported, source, "Object doesn't support this property or method");
+}
+
 }  // namespace enverr
+
+void VBComponent::SetName(std::string_view) {
+    enverr::RaiseNotSupported("VBComponent.Name");
+}
+
+VBComponentRef VBComponents::AddFile(std::string_view) {
+    enverr::RaiseNotSupported("VBComponents.AddFile");
+}
+
+void VBProject::SetName(std::string_view) {
+    enverr::RaiseNotSupported("VBProject.Name");
+}
 
 VBProjectRef ProjectOf(const VBComponent& component) {
     auto collection = component.Collection();

@@ -40,13 +40,18 @@ inline constexpr std::int32_t kInvalidProcedureCall = 5;
 inline constexpr std::int32_t kSubscriptOutOfRange = 9;
 // A parent object that no longer exists.
 inline constexpr std::int32_t kObjectNotSet = 91;
-// A component kind without extended-property store.
+// A component kind without extended-property store, or a call the environment does not offer.
 inline constexpr std::int32_t kNotSupported = 438;
+// A name the object does not take (not an identifier, or already in use).
+inline constexpr std::int32_t kInvalidPropertyValue = 380;
+// VBComponents.AddFile with a file that the project already holds.
+inline constexpr std::int32_t kFileAlreadyInProject = 60059;
 
 [[noreturn]] void RaisePropertyNotFound(const std::string& source, std::string_view key);
 [[noreturn]] void RaiseNoPropertyStore(const std::string& source, std::string_view component);
 [[noreturn]] void RaiseNotInCollection(const std::string& source);
 [[noreturn]] void RaiseObjectNotSet(const std::string& source);
+[[noreturn]] void RaiseNotSupported(const std::string& source);
 }  // namespace enverr
 
 class VBE;
@@ -75,6 +80,9 @@ class VBComponent {
     virtual ~VBComponent() = default;
     // Empty for related documents and resource files, which are known by their file.
     virtual std::string Name() const = 0;
+    // Renames the component and raises ItemRenamed; raises kInvalidPropertyValue for a name it
+    // cannot take.
+    virtual void SetName(std::string_view name);
     virtual ComponentType Type() const = 0;
     virtual std::int16_t FileCount() const = 0;
     // The full path of the 1-based file; raises kSubscriptOutOfRange outside 1..FileCount.
@@ -96,12 +104,18 @@ class VBComponents {
     virtual VBComponentRef Item(std::int32_t index) const = 0;
     virtual VBComponentRef Item(std::string_view name) const = 0;
     virtual VBProjectRef Parent() const = 0;
+    // Adds a component file to the project and raises ItemAdded; raises kFileAlreadyInProject
+    // for a file the project holds, and other errors for files it cannot add.
+    virtual VBComponentRef AddFile(std::string_view fileName);
 };
 
 class VBProject {
   public:
     virtual ~VBProject() = default;
     virtual std::string Name() const = 0;
+    // Renames the project and raises ItemRenamed; raises kInvalidPropertyValue for a name it
+    // cannot take.
+    virtual void SetName(std::string_view name);
     // The full path of the project file; empty for a project never saved.
     virtual std::string FileName() const = 0;
     // Extended properties kept with the project file, by section and key. Reading a missing

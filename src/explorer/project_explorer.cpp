@@ -48,8 +48,15 @@ void WriteFolderList(env::VBProject& project, std::string_view list) {
 }  // namespace
 
 ProjectExplorer::ProjectExplorer(std::shared_ptr<env::VBE> vbe, tree::TreeView& treeView,
-                                 UiServices& ui)
-    : vbe_(std::move(vbe)), treeView_(treeView), ui_(ui) {}
+                                 UiServices& ui, analysis::IDisplayOptionSource* displayOptions)
+    : vbe_(std::move(vbe)),
+      treeView_(treeView),
+      ui_(ui),
+      displayOptions_(displayOptions != nullptr ? *displayOptions : defaultOptions_) {}
+
+ProjectExplorer::~ProjectExplorer() {
+    DisconnectEventSources();
+}
 
 bool ProjectExplorer::NodeExists(std::string_view key) const {
     return Nodes().Exists(key);
@@ -190,19 +197,10 @@ void ProjectExplorer::MarkStartProject(const std::string& projectName,
     if (start && start->Name() == projectName) projectNode.SetBold(true);
 }
 
-void ProjectExplorer::TakeEventSources() {
-    try {
-        const auto events = vbe_->Events();
-        compEvents = events->VBComponentsEvents(vbe_->ActiveVBProject());
-        projEvents = events->VBProjectsEvents();
-    } catch (const std::exception&) {
-        // Without event sources the tree is still built; it is just not kept current.
-    }
-}
-
 void ProjectExplorer::RefreshProjects() {
     if (vbe_) TakeEventSources();
     treeView_.SetVisible(false);
+    d_components.clear();
     if (vbe_) {
         Nodes().Clear();
         try {

@@ -1,11 +1,19 @@
 // The project tree: one node per open project, its folders (fixed groups by component type and
 // the developer's own folders) and its components, built from the environment and kept in a
-// keyed tree; and the custom folders, stored with the projects' and components' own files.
+// keyed tree; the custom folders, stored with the projects' and components' own files; the code
+// view below each component; the handlers that keep the tree in step with the environment; and
+// renaming and dropping in the tree.
 #pragma once
 
+#include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include "analysis/cls_line.h"
+#include "analysis/display_options.h"
 
 #include "environment/vbide.h"
 #include "explorer/node_keys.h"
@@ -14,10 +22,23 @@
 
 namespace arbolet::explorer {
 
+// The tree view copes with this many nodes; a code tree that would pass it is not shown.
+inline constexpr std::int32_t kNodeLimit = 32300;
+// The limit once the other code trees have been closed to make room.
+inline constexpr std::int32_t kNodeLimitAfterClosing = kNodeLimit + 395;
+// Code node texts are cut to this many characters ("..." included); the tag keeps more.
+inline constexpr std::size_t kCodeTextLength = 50;
+inline constexpr std::size_t kCodeTagLength = 150;
+
 class ProjectExplorer {
   public:
-    // The environment may be nullptr (not connected): the tree then stays empty.
-    ProjectExplorer(std::shared_ptr<env::VBE> vbe, tree::TreeView& treeView, UiServices& ui);
+    // The environment may be nullptr (not connected): the tree then stays empty. Without an
+    // option source the code view shows everything, unsorted.
+    ProjectExplorer(std::shared_ptr<env::VBE> vbe, tree::TreeView& treeView, UiServices& ui,
+                    analysis::IDisplayOptionSource* displayOptions = nullptr);
+    ~ProjectExplorer();
+    ProjectExplorer(const ProjectExplorer&) = delete;
+    ProjectExplorer& operator=(const ProjectExplorer&) = delete;
 
     // ---- the tree ----
 
@@ -51,11 +72,59 @@ class ProjectExplorer {
     // The project's folder list as stored (";A;B;"), empty when it cannot be read.
     static std::string ReadFolderList(const env::VBProject& project);
 
+    // ---- the code view ----
+
+    // The tree's Expand event: on a component node, replaces the placeholder by the code tree.
+    void HandleExpand(tree::Node& node);
+    // The tree's Collapse event: a component node is put back with only its placeholder, a
+    // folder node closes its components, a project node is left alone.
+    void HandleCollapse(tree::Node& node);
+    // What a click on the control does: sets the state, then runs the handler. Returns the node
+    // now holding the key (collapsing a component node replaces it).
+    void ExpandNode(tree::Node& node);
+    tree::NodeRef CollapseNode(tree::Node& node);
+    // Analyses the code of the component being expanded and shows it, within the node limits.
+    void BuildCodeTree(std::string_view componentKey, std::string_view codeText);
+    // Adds a code node for each line below `parentLine`, under `parentNode`, depth first.
+    void ShowLines(std::string_view componentKey, const analysis::clsLine& parentLine,
+                   const tree::NodeRef& parentNode);
+
+    // ---- keeping in step with the environment ----
+
+    // Removes the component's node with everything below it; a missing node is skipped.
+    void RemoveComponentNode(std::string_view componentName, std::string_view projectName);
+
+    void ProjectAdded(const env::VBProject& project);
+    void ProjectRemoved(const env::VBProject& project);
+    void ProjectRenamed(const env::VBProject& project, std::string_view oldName);
+    void ComponentAdded(const env::VBComponent& component);
+    void ComponentRemoved(const env::VBComponent& component);
+    void ComponentRenamed(const env::VBComponent& component, std::string_view oldName);
+    void ComponentReloaded(const env::VBComponent& component);
+    void ComponentActivated(const env::VBComponent& component);
+
+    // ---- editing the tree ----
+
+    // After the caption of `node` was edited to `newText`: renames the project, component or
+    // folder, or sets `cancel` to keep the old caption.
+    void AfterLabelEdit(tree::Node& node, std::string_view newText, bool& cancel);
+    // A component node (its key dragged as text) dropped on a folder node.
+    void DropComponent(std::string_view draggedKey, tree::Node& target);
+    // Files from the file system dropped on a project or folder node.
+    void DropFiles(const std::vector<std::string>& files, tree::Node& target);
+
     // The event sources taken at the last full reload (nullptr before it).
     std::shared_ptr<env::VBProjectsEvents> projEvents;
     std::shared_ptr<env::VBComponentsEvents> compEvents;
 
   private:
+    class ProjectSink;
+    class ComponentSink;
+    // What the code view keeps of a component whose code tree is shown.
+    struct CodeTreeState {
+        std::int32_t lineCount = 0;
+    };
+
     tree::Nodes& Nodes() const { return treeView_.Nodes(); }
     tree::NodeRef AddSortedFolderNode(const tree::Node& projectNode, std::string_view projectName,
                                       std::string_view folderName);
@@ -65,11 +134,35 @@ class ProjectExplorer {
     void LoadComponents(const env::VBProject& project, const std::string& projectName);
     void MarkStartProject(const std::string& projectName, tree::Node& projectNode) const;
     void TakeEventSources();
+    void DisconnectEventSources();
     std::string AskFolderName();
+
+    env::VBComponentRef FindComponent(std::string_view componentKey) const;
+    env::VBProjectRef FindProject(std::string_view projectName) const;
+    std::string CodeOf(std::string_view componentKey) const;
+    bool MakeRoomFor(std::int32_t lineCount, const std::string& expandingKey);
+    tree::NodeRef AddCodeNode(std::string_view componentKey, const analysis::clsLine& line,
+                              tree::Node& parent);
+    void ShowComponentAgain(const env::VBComponent& component, const std::string& projectName);
+    void RemoveNodeAndEmptyFolder(const std::string& componentKey);
+    void RenameProject(tree::Node& node, std::string_view newText, bool& cancel);
+    void RenameComponent(tree::Node& node, std::string_view projectName, std::string_view newText,
+                         bool& cancel);
+    void RenameFolder(tree::Node& node, std::string_view projectName, std::string_view newText);
+    void AddDroppedFile(env::VBProject& project, const std::string& file,
+                        const std::string& customFolder);
 
     std::shared_ptr<env::VBE> vbe_;
     tree::TreeView& treeView_;
     UiServices& ui_;
+    analysis::FixedDisplayOptions defaultOptions_;
+    analysis::IDisplayOptionSource& displayOptions_;
+    // Per component key, the components whose code tree is shown; made anew at every reload.
+    std::map<std::string, CodeTreeState> d_components;
+    std::shared_ptr<ProjectSink> projectSink_;
+    std::shared_ptr<ComponentSink> componentSink_;
+    env::VBProjectsEvents::Cookie projectCookie_ = 0;
+    env::VBComponentsEvents::Cookie componentCookie_ = 0;
 };
 
 }  // namespace arbolet::explorer

@@ -63,9 +63,10 @@ TEST_F(ProjectCommands, TreeJsonListsEveryNodeWithKeyTextBoldImage) {
     const auto& dataFolder = project.at("children").at(0);
     EXPECT_EQ(dataFolder,
               nlohmann::json::parse(R"({"key":"Type~Data~Shop","text":"Data","bold":false,
-        "image":null,"children":[{"key":"clsData~Shop~","text":"clsData","bold":false,"image":2,
+        "image":null,"colour":2147483656,"tag":"","children":[{"key":"clsData~Shop~",
+        "text":"clsData","bold":false,"image":2,"colour":2147483656,"tag":"",
         "children":[{"key":"Code - clsData~Shop~","text":"Code List","bold":false,"image":null,
-        "children":[]}]}]})"));
+        "colour":2147483656,"tag":"","children":[]}]}]})"));
     EXPECT_EQ(project.at("children").size(), 4u);
 }
 

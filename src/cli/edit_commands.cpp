@@ -1,0 +1,97 @@
+// `arbolet rename` and `arbolet add`: renaming a component and adding files to a project, as an
+// edit of a caption and a drop of files onto the tree do it, saved to the project's files.
+#include <CLI/CLI.hpp>
+
+#include "base/vb_error.h"
+#include "cli/cli_context.h"
+#include "cli/commands.h"
+#include "cli/project_loading.h"
+
+namespace arbolet::cli {
+namespace {
+
+struct RenameOptions {
+    std::string project;
+    std::string component;
+    std::string newName;
+};
+
+struct AddOptions {
+    std::string project;
+    std::vector<std::string> files;
+};
+
+// Saves when the explorer showed no message: every message it shows reports a refusal.
+void FinishChange(CliContext& context, LoadedTree& loaded, bool refused) {
+    if (refused || loaded.ui.MessagesShown() > 0) context.Fail(kExitFindings);
+    SaveChanges(context, *loaded.environment);
+}
+
+void RunRename(CliContext& context, const RenameOptions& options) {
+    auto environment = OpenOneProject(options.project, "rename", context);
+    if (!environment) return;
+    LoadedTree loaded(environment, context);
+    const env::VBProjectRef project = environment->VBProjects()->Item(1);
+    std::string key;
+    try {
+        const auto component = project->VBComponents()->Item(options.component);
+        key = explorer::ComponentKey(explorer::ComponentDisplayName(*component), project->Name());
+    } catch (const VbError&) {
+    }
+    if (key.empty() || !loaded.view.Nodes().Exists(key)) {
+        context.err << "arbolet: " << project->Name() << " has no component named '"
+                    << options.component << "'\n";
+        context.Fail(kExitFindings);
+        return;
+    }
+    bool cancel = false;
+    loaded.explorer.AfterLabelEdit(*loaded.view.Nodes().Item(key), options.newName, cancel);
+    const bool renamed =
+        loaded.view.Nodes().Exists(explorer::ComponentKey(options.newName, project->Name()));
+    if (!cancel && !renamed) {
+        context.err << "arbolet: " << project->Name() << " does not take '" << options.newName
+                    << "' as a component name\n";
+    }
+    FinishChange(context, loaded, cancel || !renamed);
+}
+
+void RunAdd(CliContext& context, const AddOptions& options) {
+    auto environment = OpenOneProject(options.project, "add", context);
+    if (!environment) return;
+    LoadedTree loaded(environment, context);
+    const env::VBProjectRef project = environment->VBProjects()->Item(1);
+    const tree::NodeRef projectNode =
+        loaded.view.Nodes().Item(explorer::ProjectKey(project->Name()));
+    const std::int32_t before = project->VBComponents()->Count();
+    loaded.explorer.DropFiles(options.files, *projectNode);
+    const bool nothingAdded = project->VBComponents()->Count() == before;
+    if (nothingAdded && loaded.ui.MessagesShown() == 0) {
+        context.err << "arbolet: none of the files is a component file\n";
+    }
+    FinishChange(context, loaded, nothingAdded);
+}
+
+}  // namespace
+
+void AddRenameCommand(CLI::App& app, CliContext& context) {
+    auto options = std::make_shared<RenameOptions>();
+    CLI::App* command = app.add_subcommand(
+        "rename", "Rename a component: its VB_Name and its project entry; the file keeps its name");
+    command->add_option("project", options->project, "The .vbp project")->required();
+    command->add_option("component", options->component, "Component name")->required();
+    command->add_option("name", options->newName, "New name")->required();
+    command->callback([&context, options] { RunRename(context, *options); });
+}
+
+void AddAddCommand(CLI::App& app, CliContext& context) {
+    auto options = std::make_shared<AddOptions>();
+    CLI::App* command = app.add_subcommand(
+        "add",
+        "Add component files to a project; a companion file (.frx, .ctx, ...) adds its "
+        "component file");
+    command->add_option("project", options->project, "The .vbp project")->required();
+    command->add_option("files", options->files, "Files to add")->required();
+    command->callback([&context, options] { RunAdd(context, *options); });
+}
+
+}  // namespace arbolet::cli
