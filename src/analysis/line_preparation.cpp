@@ -2,6 +2,7 @@
 #include "analysis/line_preparation.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <deque>
@@ -69,16 +70,31 @@ void BlankLeadingLineNumber(MutableText text) {
     text.Blank(0, blank == std::string::npos ? text.size : blank);
 }
 
-void LowerCase(MutableText text) {
+// Which of the characters that later passes look for occur in a line.
+struct KeyCharacters {
+    bool quote = false;
+    bool apostrophe = false;
+    bool colon = false;
+};
+
+// Lower-cases the line in place and notes the characters the other passes need, so that a line
+// without quotes or colons skips those passes.
+KeyCharacters LowerCase(MutableText text) {
+    KeyCharacters found;
     bool ascii = true;
     for (std::size_t i = 0; i < text.size; ++i) {
         const auto c = static_cast<unsigned char>(text.data[i]);
         if (c >= 'A' && c <= 'Z') text.data[i] = static_cast<char>(c + 32);
+        found.quote |= c == '"';
+        found.apostrophe |= c == '\'';
+        found.colon |= c == ':';
         ascii &= c < 0x80;
     }
-    if (ascii) return;
-    const std::string lowered = text::ToLower(std::string_view(text.data, text.size));
-    std::copy(lowered.begin(), lowered.end(), text.data);
+    if (!ascii) {
+        const std::string lowered = text::ToLower(std::string_view(text.data, text.size));
+        std::copy(lowered.begin(), lowered.end(), text.data);
+    }
+    return found;
 }
 
 }  // namespace
@@ -112,12 +128,16 @@ std::string NormaliseBlanks(std::string_view line) {
 // the line when a trailing comment is cut off).
 std::size_t MakeKeyTextInPlace(char* data, std::size_t length) {
     MutableText key{data, length};
-    LowerCase(key);
-    BlankPairs(key, '"', '"');
-    BlankStringLiterals(key);
-    if (const auto comment = key.Find('\''); comment != std::string::npos) key.size = comment;
+    const KeyCharacters found = LowerCase(key);
+    if (found.quote) {
+        BlankPairs(key, '"', '"');
+        BlankStringLiterals(key);
+    }
+    if (found.apostrophe) {
+        if (const auto comment = key.Find('\''); comment != std::string::npos) key.size = comment;
+    }
     BlankLeadingLineNumber(key);
-    BlankPairs(key, ':', '=');
+    if (found.colon) BlankPairs(key, ':', '=');
     return key.size;
 }
 
@@ -149,6 +169,15 @@ struct NormalisedLines {
 // Splits at CRLF, LF or a lone CR, turns tabs into blanks and collapses runs of blanks, in one
 // pass.
 NormalisedLines Normalise(std::string_view codeText) {
+    enum ByteClass : std::uint8_t { kOther, kBlank, kReturn, kLineFeed };
+    static constexpr auto kClasses = [] {
+        std::array<std::uint8_t, 256> classes{};
+        classes[' '] = classes['\t'] = kBlank;
+        classes['\r'] = kReturn;
+        classes['\n'] = kLineFeed;
+        return classes;
+    }();
+
     NormalisedLines lines;
     std::string& buffer = lines.buffer;
     buffer.resize(codeText.size());
@@ -160,16 +189,25 @@ NormalisedLines Normalise(std::string_view codeText) {
                                static_cast<std::size_t>(out - lineStart)});
         lineStart = out;
     };
-    for (std::size_t i = 0; i < codeText.size(); ++i) {
-        char c = codeText[i];
-        if (c == '\r' || c == '\n') {
-            endLine();
-            if (c == '\r' && i + 1 < codeText.size() && codeText[i + 1] == '\n') ++i;
-            continue;
+    const char* in = codeText.data();
+    const char* const end = in + codeText.size();
+    while (in < end) {
+        const char c = *in++;
+        switch (kClasses[static_cast<unsigned char>(c)]) {
+            case kOther:
+                *out++ = c;
+                break;
+            case kBlank:
+                if (out == lineStart || out[-1] != ' ') *out++ = ' ';
+                break;
+            case kReturn:
+                endLine();
+                if (in < end && *in == '\n') ++in;
+                break;
+            default:
+                endLine();
+                break;
         }
-        if (c == '\t') c = ' ';
-        if (c == ' ' && out > lineStart && out[-1] == ' ') continue;
-        *out++ = c;
     }
     if (!codeText.empty()) endLine();
     buffer.resize(static_cast<std::size_t>(out - begin));

@@ -54,8 +54,8 @@ clsLine* ParentOf(clsLine* container) {
     return container ? container->Parent : nullptr;
 }
 
-std::string SortKeyOf(const clsLine* container) {
-    return container ? container->SortBy.str() : std::string();
+std::string_view SortKeyOf(const clsLine* container) {
+    return container ? container->SortBy.view() : std::string_view{};
 }
 
 // Whether `line` is `container` or one of its ancestors; adding it would close a cycle.
@@ -101,8 +101,8 @@ std::string_view FirstWord(std::string_view text) {
 
 clsLine* MakeLine(LineArena& arena, std::string_view text, LineIdentifier identifier) {
     clsLine* line = arena.Make();
-    line->LCaseContent = text::ToLower(text);
-    line->LineContent = std::string(text);
+    line->LineContent = arena.Text(text);
+    line->LCaseContent = arena.Text(text::ToLower(text));
     line->LineID = std::move(identifier);
     return line;
 }
@@ -272,7 +272,7 @@ bool LogicFlowBuilder::ProcessBranch(Step& step, clsLine*& container) {
         if (top != "#end if") {
             Report("NO START #IF", "#I", *line, container);
         } else if (options_.ShowCompiler) {
-            line->SortBy = SortKeyOf(container) + "YZZZ";
+            line->SortBy = arena_.Text(SortKeyOf(container), "YZZZ");
             AddWithDefaultKey(line, ParentOf(container), colour::kSlateBlue);
             container = line;
         }
@@ -297,7 +297,7 @@ void LogicFlowBuilder::ProcessDeclaration(Step& step, clsLine* container) {
 // key text; a scoped variable becomes a Dim, and a scoped member of an Enum or Type a member.
 void LogicFlowBuilder::ProcessScoped(Step& step, clsStack& lineStack, clsLine*& container) {
     clsLine* line = step.line;
-    line->LCaseContent = std::string(text::Trim(SafeSubstr(step.key, step.firstWord.size()))) + ' ';
+    line->LCaseContent = arena_.Text(text::Trim(SafeSubstr(step.key, step.firstWord.size())), " ");
     const std::string_view rest = line->LCaseContent.view();
     const std::string_view w = rest.substr(0, rest.find(' '));
     const bool scopedVariable =
@@ -310,7 +310,7 @@ void LogicFlowBuilder::ProcessScoped(Step& step, clsStack& lineStack, clsLine*& 
             AddWithDefaultKey(line, ParentOf(container), colour::kDarkGrey, show);
             container = line;
         } else {
-            line->LCaseContent = "dim " + line->LCaseContent;
+            line->LCaseContent = arena_.Text("dim ", line->LCaseContent.view());
         }
     }
     lineStack.Push(Variant(static_cast<VbObject*>(line)));
@@ -324,7 +324,7 @@ void LogicFlowBuilder::ProcessEnd(Step& step, clsLine*& container) {
         const std::string kind = top.substr(4);
         const bool show = kind == "enum" ? options_.ShowEnums : options_.ShowTypes;
         PopBlock();
-        line->SortBy = SortKeyOf(container) + "ZZZ";
+        line->SortBy = arena_.Text(SortKeyOf(container), "ZZZ");
         container = ParentOf(container);
         if (w != kind) {
             Report("NO START " + w, "I", *line, container);
@@ -386,7 +386,7 @@ void LogicFlowBuilder::ProcessOther(Step& step, clsLine* container) {
     } else if (step.display.starts_with('#')) {
         if (!options_.ShowCompiler) return;
         // Other directives are shown as written, with their whole text as the key.
-        clsLine* directive = MakeLine(arena_, std::string(step.display) + ' ', line->LineID);
+        clsLine* directive = MakeLine(arena_, arena_.Text(step.display, " "), line->LineID);
         directive->SourceIndex = line->SourceIndex;
         Add(directive, container, colour::kSlateBlue);
     } else {
@@ -402,7 +402,7 @@ void LogicFlowBuilder::CloseOpenBlocks(clsLine*& container) {
         const Variant entry = PopBlock(&opener);
         if (clsLine* open = AsLine(entry)) {
             open->LineID =
-                std::string(static_cast<std::size_t>(blockStack_.Count()), '_') + open->LineID;
+                open->LineID.Prefixed("_", static_cast<std::size_t>(blockStack_.Count()));
             Add(open, container, colour::kRed);
             continue;
         }
@@ -425,7 +425,7 @@ void LogicFlowBuilder::OpenBlock(std::string keyword, clsLine* line, clsLine*& c
 // The closing line sorts right after its opener, then the container moves out of the block.
 void LogicFlowBuilder::CloseBlock(clsLine* line, clsLine*& container, std::int32_t colour,
                                   bool show, bool closingKey) {
-    if (closingKey) line->SortBy = SortKeyOf(container) + "ZZZ";
+    if (closingKey) line->SortBy = arena_.Text(SortKeyOf(container), "ZZZ");
     container = ParentOf(container);
     Add(line, container, colour, show);
 }
