@@ -34,8 +34,9 @@ class PopupMenuTest : public ::testing::Test {
         menu.hWndOwner(owner_->get());
         menu.Click = [this](std::int32_t index) { clicks.push_back(index); };
         menu.MenuExit = [this] { ++exits; };
-        menu.ItemHighlight = [this](std::int32_t index, bool, bool) {
+        menu.ItemHighlight = [this](std::int32_t index, bool bEnabled, bool) {
             highlights.push_back(index);
+            if (!bEnabled) disabledHighlights.push_back(index);
         };
     }
     void TearDown() override { testing::PumpMessagesFor(50); }
@@ -54,6 +55,7 @@ class PopupMenuTest : public ::testing::Test {
     cPopupMenu menu;
     std::vector<std::int32_t> clicks;
     std::vector<std::int32_t> highlights;
+    std::vector<std::int32_t> disabledHighlights;
     int exits = 0;
 };
 
@@ -81,12 +83,14 @@ TEST_F(PopupMenuTest, ChoosingAnItemReturnsItsIndexAndRaisesClickOnce) {
               TestWindow::OwnProc());
 }
 
-TEST_F(PopupMenuTest, EscapeChoosesNothing) {
+TEST_F(PopupMenuTest, EscapeChoosesNothingAndDisabledItemsAreHighlightedAsSuch) {
     menu.AddItem("&Open");
-    menu.AddItem("&Save");
-    EXPECT_EQ(ShowWithKeys({VK_DOWN, VK_ESCAPE}), 0);
+    menu.AddItem("&Save", "", 0, 0, -1, false, false);
+    EXPECT_EQ(ShowWithKeys({VK_DOWN, VK_DOWN, VK_ESCAPE}), 0);
     EXPECT_TRUE(clicks.empty());
     EXPECT_EQ(exits, 1);
+    EXPECT_EQ(highlights.front(), 1);
+    EXPECT_EQ(disabledHighlights, (std::vector<std::int32_t>{2}));
 }
 
 TEST_F(PopupMenuTest, AnEmptyMenuShowsNothingAndReturnsZero) {
