@@ -34,13 +34,13 @@ bool IsPlaceholder(const tree::Node& node) {
 // Which component nodes to open: all, or those named (ignoring case).
 class ExpandChoice {
   public:
-    explicit ExpandChoice(const std::string& spec) {
-        all_ = spec == "all";
+    explicit ExpandChoice(const std::string& names) {
+        all_ = names == "all";
         std::size_t start = 0;
-        while (!all_ && start <= spec.size()) {
-            const std::size_t comma = std::min(spec.find(',', start), spec.size());
+        while (!all_ && start <= names.size()) {
+            const std::size_t comma = std::min(names.find(',', start), names.size());
             const std::string_view name =
-                text::Trim(std::string_view(spec).substr(start, comma - start));
+                text::Trim(std::string_view(names).substr(start, comma - start));
             if (!name.empty()) names_.insert(text::ToLower(name));
             start = comma + 1;
         }

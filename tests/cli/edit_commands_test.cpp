@@ -5,8 +5,8 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "cli/cli.h"
 #include "cli/cli_context.h"
+#include "cli/cli_runner.h"
 #include "cli/tree_watch.h"
 #include "disk/temp_folder.h"
 
@@ -14,22 +14,8 @@ namespace arbolet::cli {
 namespace {
 namespace fs = std::filesystem;
 
-struct CliRun {
-    int status = 0;
-    std::string out;
-    std::string err;
-};
-
-CliRun Arbolet(std::vector<std::string> args) {
-    args.insert(args.begin(), "arbolet");
-    std::vector<const char*> argv;
-    for (const auto& a : args)
-        argv.push_back(a.c_str());
-    std::ostringstream out;
-    std::ostringstream err;
-    const int status = RunArbolet(static_cast<int>(argv.size()), argv.data(), {out, err, false});
-    return {status, out.str(), err.str()};
-}
+using testing::Arbolet;
+using testing::CliRun;
 
 const std::string kVbp =
     "Type=Exe\r\nModule=modMain; modMain.bas\r\nForm=frmMain.frm\r\n"
