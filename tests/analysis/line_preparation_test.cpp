@@ -1,16 +1,27 @@
 // Line preparation: key texts, line splitting, continuations and the pushed order.
 #include <gtest/gtest.h>
 
+#include <memory>
+
 #include "analysis/line_preparation.h"
 
 namespace arbolet::analysis {
 namespace {
 
-std::vector<clsLine*> PopAll(clsStack& stack) {
+// The prepared lines in the order the builder pops them; the arena keeps them alive.
+struct Prepared {
+    LineArena arena;
+    std::int32_t count = 0;
     std::vector<clsLine*> lines;
+};
+
+std::unique_ptr<Prepared> Prepare(std::string_view code, bool showConstants = true) {
+    auto prepared = std::make_unique<Prepared>();
+    clsStack stack;
+    prepared->count = PrepareLines(code, showConstants, prepared->arena, stack);
     while (stack.Count() > 0)
-        lines.push_back(static_cast<clsLine*>(stack.Pop().Object()));
-    return lines;
+        prepared->lines.push_back(static_cast<clsLine*>(stack.Pop().Object()));
+    return prepared;
 }
 
 TEST(KeyText, BlanksStringsCommentsLineNumbersAndNamedArguments) {
@@ -43,11 +54,9 @@ TEST(NormaliseBlanks, CollapsesTabsAndRuns) {
 }
 
 TEST(PrepareLines, PushesInSourceOrderWithIndicesAsIdentifiers) {
-    LineArena arena;
-    clsStack stack;
-    const auto count = PrepareLines("' comment\r\nDim a\r\n\r\n  x = 1  ", true, arena, stack);
-    EXPECT_EQ(count, 4);
-    const auto lines = PopAll(stack);
+    const auto prepared = Prepare("' comment\r\nDim a\r\n\r\n  x = 1  ");
+    EXPECT_EQ(prepared->count, 4);
+    const auto& lines = prepared->lines;
     ASSERT_EQ(lines.size(), 2u);
     EXPECT_EQ(lines[0]->LineID, "1");
     EXPECT_EQ(lines[0]->LCaseContent, "dim a");
@@ -56,47 +65,29 @@ TEST(PrepareLines, PushesInSourceOrderWithIndicesAsIdentifiers) {
 }
 
 TEST(PrepareLines, JoinsContinuationsOntoTheFirstLine) {
-    LineArena arena;
-    clsStack stack;
-    PrepareLines("x = a + _\r\n    b + _\r\n  c\r\ny = 2", true, arena, stack);
-    const auto lines = PopAll(stack);
-    ASSERT_EQ(lines.size(), 2u);
-    EXPECT_EQ(lines[0]->LineContent, "x = a +  b +  c");
-    EXPECT_EQ(lines[1]->LineID, "3");
-}
+    const auto joined = Prepare("x = a + _\r\n    b + _\r\n  c\r\ny = 2");
+    ASSERT_EQ(joined->lines.size(), 2u);
+    EXPECT_EQ(joined->lines[0]->LineContent, "x = a +  b +  c");
+    EXPECT_EQ(joined->lines[1]->LineID, "3");
 
-TEST(PrepareLines, ContinuedCommentIsDroppedWhole) {
-    LineArena arena;
-    clsStack stack;
-    PrepareLines("' note _\r\nIf a Then\r\nEnd If", true, arena, stack);
-    const auto lines = PopAll(stack);
-    ASSERT_EQ(lines.size(), 1u);
-    EXPECT_EQ(lines[0]->LineContent, "End If");
+    const auto comment = Prepare("' note _\r\nIf a Then\r\nEnd If");  // dropped whole
+    ASSERT_EQ(comment->lines.size(), 1u);
+    EXPECT_EQ(comment->lines[0]->LineContent, "End If");
+
+    std::string chain;  // bottom-up joining must stay linear
+    for (int i = 0; i < 20000; ++i)
+        chain += "a_\r\n";
+    const auto longChain = Prepare(chain + "b");
+    ASSERT_EQ(longChain->lines.size(), 1u);
+    EXPECT_EQ(longChain->lines[0]->LineContent.size(), 20000u * 2 + 1);
 }
 
 TEST(PrepareLines, DropsConstantLinesOnlyWhenConstantsAreHidden) {
-    LineArena arena;
-    clsStack shown;
-    clsStack hidden;
     const std::string code = "Const A = 1\r\nPrivate Const B = 2\r\nx = constant";
-    PrepareLines(code, true, arena, shown);
-    PrepareLines(code, false, arena, hidden);
-    EXPECT_EQ(shown.Count(), 3);
-    ASSERT_EQ(hidden.Count(), 1);
-    EXPECT_EQ(static_cast<clsLine*>(hidden.Top().Object())->LineContent, "x = constant");
-}
-
-TEST(PrepareLines, LongContinuationChainStaysLinear) {
-    LineArena arena;
-    clsStack stack;
-    std::string code;
-    for (int i = 0; i < 20000; ++i)
-        code += "a_\r\n";
-    code += "b";
-    PrepareLines(code, true, arena, stack);
-    ASSERT_EQ(stack.Count(), 1);
-    const auto* line = static_cast<clsLine*>(stack.Top().Object());
-    EXPECT_EQ(line->LineContent.size(), 20000u * 2 + 1);
+    EXPECT_EQ(Prepare(code)->lines.size(), 3u);
+    const auto hidden = Prepare(code, false);
+    ASSERT_EQ(hidden->lines.size(), 1u);
+    EXPECT_EQ(hidden->lines[0]->LineContent, "x = constant");
 }
 
 }  // namespace
