@@ -21,9 +21,9 @@ struct AddOptions {
     std::vector<std::string> files;
 };
 
-// Saves when the explorer showed no message: every message it shows reports a refusal.
-void FinishChange(CliContext& context, LoadedTree& loaded, bool refused) {
-    if (refused || loaded.ui.MessagesShown() > 0) context.Fail(kExitFindings);
+// Whatever was done is saved, also when a later file of the same command was refused.
+void FinishChange(CliContext& context, LoadedTree& loaded, const explorer::Outcome& outcome) {
+    Report(context, loaded.ui, outcome);
     SaveChanges(context, *loaded.environment);
 }
 
@@ -44,15 +44,8 @@ void RunRename(CliContext& context, const RenameOptions& options) {
         context.Fail(kExitFindings);
         return;
     }
-    bool cancel = false;
-    loaded.explorer.AfterLabelEdit(*loaded.view.Nodes().Item(key), options.newName, cancel);
-    const bool renamed =
-        loaded.view.Nodes().Exists(explorer::ComponentKey(options.newName, project->Name()));
-    if (!cancel && !renamed) {
-        context.err << "arbolet: " << project->Name() << " does not take '" << options.newName
-                    << "' as a component name\n";
-    }
-    FinishChange(context, loaded, cancel || !renamed);
+    FinishChange(context, loaded,
+                 loaded.explorer.AfterLabelEdit(*loaded.view.Nodes().Item(key), options.newName));
 }
 
 void RunAdd(CliContext& context, const AddOptions& options) {
@@ -62,13 +55,7 @@ void RunAdd(CliContext& context, const AddOptions& options) {
     const env::VBProjectRef project = environment->VBProjects()->Item(1);
     const tree::NodeRef projectNode =
         loaded.view.Nodes().Item(explorer::ProjectKey(project->Name()));
-    const std::int32_t before = project->VBComponents()->Count();
-    loaded.explorer.DropFiles(options.files, *projectNode);
-    const bool nothingAdded = project->VBComponents()->Count() == before;
-    if (nothingAdded && loaded.ui.MessagesShown() == 0) {
-        context.err << "arbolet: none of the files is a component file\n";
-    }
-    FinishChange(context, loaded, nothingAdded);
+    FinishChange(context, loaded, loaded.explorer.DropFiles(options.files, *projectNode));
 }
 
 }  // namespace

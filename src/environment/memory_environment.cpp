@@ -71,6 +71,11 @@ class MemoryProject::Components final : public env::VBComponents {
         return ItemByName<VBComponentRef>(items, name, "VBComponents.Item");
     }
     VBProjectRef Parent() const override { return parent_.lock(); }
+    void Remove(const VBComponentRef& component) override {
+        const auto project = parent_.lock();
+        if (!project) env::enverr::RaiseObjectNotSet("VBComponents.Remove");
+        project->RemoveComponent(component);
+    }
 
     std::vector<std::shared_ptr<MemoryComponent>> items;
 

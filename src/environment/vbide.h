@@ -107,6 +107,8 @@ class VBComponents {
     // Adds a component file to the project and raises ItemAdded; raises kFileAlreadyInProject
     // for a file the project holds, and other errors for files it cannot add.
     virtual VBComponentRef AddFile(std::string_view fileName);
+    // Takes the component out of the project (its files stay) and raises ItemRemoved.
+    virtual void Remove(const VBComponentRef& component);
 };
 
 class VBProject {
