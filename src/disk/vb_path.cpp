@@ -1,6 +1,7 @@
 // Case-insensitive resolution of the paths in project and group files (see vb_path.h).
 #include "disk/vb_path.h"
 
+#include <algorithm>
 #include <system_error>
 #include <vector>
 
@@ -25,16 +26,6 @@ std::vector<std::string_view> SplitParts(std::string_view path) {
 bool HasDriveLetter(std::string_view path) {
     return path.size() >= 2 && path[1] == ':' &&
            ((path[0] >= 'A' && path[0] <= 'Z') || (path[0] >= 'a' && path[0] <= 'z'));
-}
-
-// The entry of `folder` whose name equals `part` ignoring letter case.
-std::optional<fs::path> FindIgnoringCase(const fs::path& folder, std::string_view part) {
-    const std::string wanted = text::ToLower(part);
-    std::error_code ec;
-    for (fs::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec)) {
-        if (text::ToLower(PathToUtf8(it->path().filename())) == wanted) return it->path();
-    }
-    return std::nullopt;
 }
 
 // Where resolution starts: the folder for a relative path, a root for an absolute one.
@@ -78,6 +69,25 @@ std::string PathToUtf8(const fs::path& path) {
 }
 
 std::optional<fs::path> ResolveVbPath(const fs::path& folder, std::string_view vbPath) {
+    return VbPathResolver().Resolve(folder, vbPath);
+}
+
+std::optional<fs::path> VbPathResolver::FindIgnoringCase(const fs::path& folder,
+                                                         std::string_view part) {
+    auto [listing, fresh] = listings_.try_emplace(folder);
+    if (fresh) {
+        std::error_code ec;
+        for (fs::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec)) {
+            listing->second.try_emplace(text::ToLower(PathToUtf8(it->path().filename())),
+                                        it->path());
+        }
+    }
+    const auto found = listing->second.find(text::ToLower(part));
+    if (found == listing->second.end()) return std::nullopt;
+    return found->second;
+}
+
+std::optional<fs::path> VbPathResolver::Resolve(const fs::path& folder, std::string_view vbPath) {
     std::vector<std::string_view> parts = SplitParts(vbPath);
     std::optional<fs::path> current = StartOf(folder, vbPath, parts);
     if (!current || parts.empty()) return std::nullopt;
@@ -103,6 +113,32 @@ std::optional<fs::path> ResolveVbPath(const fs::path& folder, std::string_view v
     std::error_code ec;
     if (!fs::is_regular_file(*current, ec)) return std::nullopt;
     return current;
+}
+
+fs::path Canonical(const fs::path& path) {
+    std::error_code ec;
+    fs::path canonical = fs::weakly_canonical(path, ec);
+    return ec ? path : canonical;
+}
+
+std::string VbPathFor(const fs::path& file, const fs::path& projectFolder) {
+    std::error_code ec;
+    const fs::path folder = Canonical(fs::absolute(projectFolder, ec));
+    const fs::path relative = Canonical(file).lexically_relative(folder);
+    std::string text = PathToUtf8(relative.empty() ? Canonical(file) : relative);
+    std::replace(text.begin(), text.end(), '/', '\\');
+    return text;
+}
+
+std::string ShownBeside(const std::string& namingFile, std::string_view vbPath) {
+    std::string relative(vbPath);
+    std::replace(relative.begin(), relative.end(), '\\', '/');
+    const fs::path shown = (PathFromUtf8(namingFile).parent_path() / PathFromUtf8(relative));
+    return PathToUtf8(shown.lexically_normal().generic_u8string());
+}
+
+bool HasExtension(const fs::path& path, std::string_view lowerExtension) {
+    return text::ToLower(PathToUtf8(path.extension())) == lowerExtension;
 }
 
 }  // namespace arbolet::disk

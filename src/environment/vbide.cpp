@@ -56,8 +56,10 @@ VBProjectRef ProjectOf(const VBComponent& component) {
     return project;
 }
 
-std::string JoinCodeLines(const std::vector<std::string>& lines, std::int32_t startLine,
-                          std::int32_t count) {
+// The object model's argument checks, then the lines joined with CRLF; lines past the end are
+// left out.
+std::string LinesCodeModule::Lines(std::int32_t startLine, std::int32_t count) const {
+    const auto& lines = lines_;
     if (startLine < 1 || count < 0) {
         throw VbError(enverr::kInvalidProcedureCall, "CodeModule.Lines",
                       "Invalid procedure call or argument");

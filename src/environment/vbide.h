@@ -10,6 +10,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "environment/command_bars.h"
@@ -193,9 +194,16 @@ class VBE {
 // The component's project, through Collection.Parent; raises kObjectNotSet when it is gone.
 VBProjectRef ProjectOf(const VBComponent& component);
 
-// CodeModule.Lines over a module's lines: `count` lines from the 1-based `startLine`, joined
-// with CRLF, with the argument checks of the object model.
-std::string JoinCodeLines(const std::vector<std::string>& lines, std::int32_t startLine,
-                          std::int32_t count);
+// A code module over the lines of a component's code window, for implementations that hold
+// the lines themselves.
+class LinesCodeModule final : public CodeModule {
+  public:
+    explicit LinesCodeModule(std::vector<std::string> lines) : lines_(std::move(lines)) {}
+    std::int32_t CountOfLines() const override { return static_cast<std::int32_t>(lines_.size()); }
+    std::string Lines(std::int32_t startLine, std::int32_t count) const override;
+
+  private:
+    std::vector<std::string> lines_;
+};
 
 }  // namespace arbolet::env
