@@ -27,6 +27,22 @@ void FinishChange(CliContext& context, LoadedTree& loaded, bool refused) {
     SaveChanges(context, *loaded.environment);
 }
 
+// The tree traps the environment's errors, so the reason for a refused name is asked of the
+// same rule the environment applies.
+void ExplainRefusedName(CliContext& context, const env::VBProject& project,
+                        const RenameOptions& options) {
+    const auto components = project.VBComponents();
+    std::string why = "the name was refused";
+    try {
+        const env::VBComponentRef component = components->Item(options.component);
+        env::CheckComponentName(*components, options.newName, component.get());
+    } catch (const VbError& error) {
+        why = error.Description;
+    }
+    context.err << "arbolet: " << project.Name() << " does not take '" << options.newName
+                << "' as a component name: " << why << "\n";
+}
+
 void RunRename(CliContext& context, const RenameOptions& options) {
     auto environment = OpenOneProject(options.project, "rename", context);
     if (!environment) return;
@@ -48,10 +64,7 @@ void RunRename(CliContext& context, const RenameOptions& options) {
     loaded.explorer.AfterLabelEdit(*loaded.view.Nodes().Item(key), options.newName, cancel);
     const bool renamed =
         loaded.view.Nodes().Exists(explorer::ComponentKey(options.newName, project->Name()));
-    if (!cancel && !renamed) {
-        context.err << "arbolet: " << project->Name() << " does not take '" << options.newName
-                    << "' as a component name\n";
-    }
+    if (cancel || !renamed) ExplainRefusedName(context, *project, options);
     FinishChange(context, loaded, cancel || !renamed);
 }
 
