@@ -109,7 +109,7 @@ env::VBComponentRef DiskComponents::AddFile(std::string_view fileName) {
     }
     std::vector<LoadWarning> warnings;
     ComponentLoader loader(*project, project->codePage, warnings);
-    ComponentEntry entry{*kind, {}, VbPathFor(canonical, folder), 0};
+    ComponentEntry entry{*kind, {}, VbPathFor(*resolved, folder), 0};
     auto component = loader.Load(entry);
     if (!component) throw VbError(75, kSource, "Path/File access error: '" + entry.path + "'");
     if (NamesComponentOf(*this, component->Name(), nullptr)) {
