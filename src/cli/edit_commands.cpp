@@ -27,6 +27,22 @@ void FinishChange(CliContext& context, LoadedTree& loaded, const explorer::Outco
     SaveChanges(context, *loaded.environment);
 }
 
+// The tree traps the environment's errors, so the reason for a refused name is asked of the
+// same rule the environment applies.
+void ExplainRefusedName(CliContext& context, const env::VBProject& project,
+                        const RenameOptions& options) {
+    const auto components = project.VBComponents();
+    std::string why = "the name was refused";
+    try {
+        const env::VBComponentRef component = components->Item(options.component);
+        env::CheckComponentName(*components, options.newName, component.get());
+    } catch (const VbError& error) {
+        why = error.Description;
+    }
+    context.err << "arbolet: " << project.Name() << " does not take '" << options.newName
+                << "' as a component name: " << why << "\n";
+}
+
 void RunRename(CliContext& context, const RenameOptions& options) {
     auto environment = OpenOneProject(options.project, "rename", context);
     if (!environment) return;
@@ -44,8 +60,10 @@ void RunRename(CliContext& context, const RenameOptions& options) {
         context.Fail(kExitFindings);
         return;
     }
-    FinishChange(context, loaded,
-                 loaded.explorer.AfterLabelEdit(*loaded.view.Nodes().Item(key), options.newName));
+    const explorer::Outcome outcome =
+        loaded.explorer.AfterLabelEdit(*loaded.view.Nodes().Item(key), options.newName);
+    if (!outcome.done()) ExplainRefusedName(context, *project, options);
+    FinishChange(context, loaded, outcome);
 }
 
 void RunAdd(CliContext& context, const AddOptions& options) {

@@ -146,7 +146,8 @@ std::shared_ptr<DiskProject> DiskEnvironment::LoadProject(const fs::path& projec
     for (const auto& diagnostic : text.Diagnostics()) {
         warnings_.push_back({shownAs, diagnostic.line, diagnostic.message});
     }
-    auto project = std::make_shared<DiskProject>(projectFile, shownAs, std::move(text));
+    auto project =
+        std::make_shared<DiskProject>(AbsolutePath(projectFile), shownAs, std::move(text));
     project->name = ProjectNameOf(project->Text(), projectFile, shownAs, warnings_);
     if (HasProjectNamed(project->name)) {
         warnings_.push_back({shownAs, 0,
@@ -181,7 +182,7 @@ void DiskEnvironment::OpenGroup(const fs::path& groupFile) {
     const std::string groupShown = PathToUtf8(groupFile.generic_u8string());
     for (const GroupMember& member : group.projects) {
         const auto line = static_cast<std::int32_t>(member.line + 1);
-        const auto resolved = ResolveVbPath(groupFile.parent_path(), member.path);
+        const auto resolved = ResolveVbPath(AbsolutePath(groupFile).parent_path(), member.path);
         if (!resolved) {
             warnings_.push_back({groupShown, line, "project file not found: " + member.path});
             continue;

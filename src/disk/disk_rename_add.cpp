@@ -17,21 +17,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::size_t kMaxVbNameLength = 40;
-
-// A VB identifier: a letter, then letters, digits and underscores, at most 40 characters.
-bool IsVbIdentifier(std::string_view name) {
-    const auto isLetter = [](char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); };
-    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
-    if (name.empty() || name.size() > kMaxVbNameLength || !isLetter(name.front())) return false;
-    return std::all_of(name.begin(), name.end(),
-                       [&](char c) { return isLetter(c) || isDigit(c) || c == '_'; });
-}
-
-[[noreturn]] void RaiseInvalidName(const char* source, const std::string& why) {
-    throw VbError(env::enverr::kInvalidPropertyValue, source, why);
-}
-
 bool NamesComponentOf(const DiskComponents& components, std::string_view name,
                       const DiskComponent* except) {
     const std::string lower = text::ToLower(name);
@@ -49,12 +34,7 @@ void DiskComponent::SetName(std::string_view newName) {
     const auto components = std::static_pointer_cast<DiskComponents>(collection.lock());
     const auto project = OwningProject(*this);
     if (!text_ || !project) env::enverr::RaiseNotSupported(kSource);
-    if (!IsVbIdentifier(newName)) RaiseInvalidName(kSource, "Invalid property value");
-    if (NamesComponentOf(*components, newName, this)) {
-        RaiseInvalidName(kSource,
-                         "Name conflicts with existing module, project, or object "
-                         "library");
-    }
+    env::CheckComponentName(*components, newName, this);
     ComponentText renamed = *text_;
     renamed.Rename(newName);
     ProjectFile projectText = project->Text();
@@ -81,19 +61,9 @@ void DiskComponent::SetName(std::string_view newName) {
 }
 
 void DiskProject::SetName(std::string_view newName) {
-    constexpr const char* kSource = "VBProject.Name";
-    if (!IsVbIdentifier(newName)) RaiseInvalidName(kSource, "Invalid property value");
-    const auto projects = std::static_pointer_cast<DiskProjects>(collection.lock());
-    if (projects) {
-        const std::string lower = text::ToLower(newName);
-        for (const auto& other : projects->items) {
-            if (other.get() != this && text::ToLower(other->name) == lower) {
-                RaiseInvalidName(kSource,
-                                 "Name conflicts with existing module, project, or "
-                                 "object library");
-            }
-        }
-    }
+    const auto projects = collection.lock();
+    if (!projects) env::enverr::RaiseObjectNotSet("VBProject.Name");
+    env::CheckProjectName(*projects, newName, this);
     const std::string quoted = "\"" + std::string(newName) + "\"";
     std::optional<std::size_t> nameLine;
     for (const ProjectEntry& entry : text_.TopLevel()) {
@@ -139,13 +109,12 @@ env::VBComponentRef DiskComponents::AddFile(std::string_view fileName) {
     }
     std::vector<LoadWarning> warnings;
     ComponentLoader loader(*project, project->codePage, warnings);
-    ComponentEntry entry{*kind, {}, VbPathFor(canonical, folder), 0};
+    ComponentEntry entry{*kind, {}, VbPathFor(*resolved, folder), 0};
     auto component = loader.Load(entry);
     if (!component) throw VbError(75, kSource, "Path/File access error: '" + entry.path + "'");
     if (NamesComponentOf(*this, component->Name(), nullptr)) {
         throw VbError(env::enverr::kInvalidPropertyValue, kSource,
-                      "Name conflicts with existing module, project, or object library: " +
-                          component->Name());
+                      std::string(env::enverr::kNameConflicts) + ": " + component->Name());
     }
     project->EditText().AddTopLevelEntry(
         KeyOfKind(*kind), IsNamedEntry(*kind) ? component->Name() + "; " + entry.path : entry.path);

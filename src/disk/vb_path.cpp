@@ -52,9 +52,7 @@ std::optional<fs::path> StartOf(const fs::path& folder, std::string_view vbPath,
         return fs::path("/");
 #endif
     }
-    std::error_code ec;
-    fs::path absolute = fs::absolute(folder, ec);
-    return ec ? folder : absolute;
+    return AbsolutePath(folder);
 }
 
 }  // namespace
@@ -115,6 +113,17 @@ std::optional<fs::path> VbPathResolver::Resolve(const fs::path& folder, std::str
     return current;
 }
 
+fs::path AbsolutePath(const fs::path& path) {
+    std::error_code ec;
+    fs::path absolute = path.empty() ? fs::current_path(ec) : fs::absolute(path, ec);
+    if (ec) return path;
+    absolute = absolute.lexically_normal();
+    if (!absolute.has_filename() && absolute != absolute.root_path()) {
+        absolute = absolute.parent_path();
+    }
+    return absolute;
+}
+
 fs::path Canonical(const fs::path& path) {
     std::error_code ec;
     fs::path canonical = fs::weakly_canonical(path, ec);
@@ -122,10 +131,17 @@ fs::path Canonical(const fs::path& path) {
 }
 
 std::string VbPathFor(const fs::path& file, const fs::path& projectFolder) {
-    std::error_code ec;
-    const fs::path folder = Canonical(fs::absolute(projectFolder, ec));
-    const fs::path relative = Canonical(file).lexically_relative(folder);
-    std::string text = PathToUtf8(relative.empty() ? Canonical(file) : relative);
+    const fs::path folder = AbsolutePath(projectFolder);
+    fs::path relative = AbsolutePath(file).lexically_relative(folder);
+    // Through a linked folder the lexical path can climb out of the project's folder although
+    // the file lies inside it; the resolved paths tell.
+    if (relative.empty() || *relative.begin() == "..") {
+        const fs::path resolved = Canonical(file).lexically_relative(Canonical(folder));
+        if (!resolved.empty() && (relative.empty() || *resolved.begin() != "..")) {
+            relative = resolved;
+        }
+    }
+    std::string text = PathToUtf8(relative.empty() ? AbsolutePath(file) : relative);
     std::replace(text.begin(), text.end(), '/', '\\');
     return text;
 }

@@ -38,6 +38,10 @@ class VbPathResolver {
     std::map<std::filesystem::path, std::map<std::string, std::filesystem::path>> listings_;
 };
 
+// The path made absolute from the working folder, with `.` and `..` taken away lexically as
+// Windows does, and no trailing separator: where a project's relative paths start from.
+std::filesystem::path AbsolutePath(const std::filesystem::path& path);
+
 // The path with links and `..` resolved as far as it exists, so that two names of one file
 // compare equal; the path itself when that fails.
 std::filesystem::path Canonical(const std::filesystem::path& path);

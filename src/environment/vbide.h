@@ -48,6 +48,10 @@ inline constexpr std::int32_t kInvalidPropertyValue = 380;
 // VBComponents.AddFile with a file that the project already holds.
 inline constexpr std::int32_t kFileAlreadyInProject = 60059;
 
+// The IDE's text for a name already taken, in the collection or by the project.
+inline constexpr std::string_view kNameConflicts =
+    "Name conflicts with existing module, project, or object library";
+
 [[noreturn]] void RaisePropertyNotFound(const std::string& source, std::string_view key);
 [[noreturn]] void RaiseNoPropertyStore(const std::string& source, std::string_view component);
 [[noreturn]] void RaiseNotInCollection(const std::string& source);
@@ -190,6 +194,16 @@ class VBE {
     // nullptr where there are no menus and toolbars (projects opened from disk).
     virtual std::shared_ptr<env::CommandBars> CommandBars() const = 0;
 };
+
+// Raise what the IDE raises for a name it refuses (kInvalidPropertyValue): "Invalid property
+// value: " and the reason for a name that is no valid name (reserved word, no identifier, over 40
+// characters), and kNameConflicts and the name in use for one taken, ignoring letter case, by
+// another component of the collection or by its project (by another open project or one of its
+// own components, for a project). `renamed` is the object taking the name, which may keep its
+// own in another case.
+void CheckComponentName(const VBComponents& components, std::string_view name,
+                        const VBComponent* renamed);
+void CheckProjectName(const VBProjects& projects, std::string_view name, const VBProject* renamed);
 
 // The component's project, through Collection.Parent; raises kObjectNotSet when it is gone.
 VBProjectRef ProjectOf(const VBComponent& component);
