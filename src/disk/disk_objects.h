@@ -51,6 +51,9 @@ class DiskComponent final : public env::VBComponent,
     std::string entryPath;
 
   private:
+    void RenameInProjectFile(ProjectFile& projectText, std::string_view oldName,
+                             std::string_view newName) const;
+
     std::string name_;
     env::ComponentType type_;
     std::filesystem::path path_;

@@ -27,6 +27,32 @@ bool NamesComponentOf(const DiskComponents& components, std::string_view name,
 
 }  // namespace
 
+// The project file's entries that name the component: its own `Module=`/`Class=` line, and the
+// start-up object and the icon form, which would otherwise name a component that is gone.
+void DiskComponent::RenameInProjectFile(ProjectFile& projectText, std::string_view oldName,
+                                        std::string_view newName) const {
+    const std::string oldLower = text::ToLower(oldName);
+    std::vector<std::pair<std::size_t, std::string>> edits;  // a value edit parses the file anew
+    for (const ProjectEntry& entry : projectText.TopLevel()) {
+        const std::string key = text::ToLower(entry.key);
+        if (key == "startup" || key == "iconform") {
+            if (text::ToLower(Unquoted(text::Trim(entry.value))) == oldLower) {
+                edits.emplace_back(entry.line, "\"" + std::string(newName) + "\"");
+            }
+            continue;
+        }
+        const auto semicolon = entry.value.find(';');
+        if (IsNamedEntry(entryKind) && KindOfKey(entry.key) == entryKind &&
+            semicolon != std::string::npos &&
+            Unquoted(text::Trim(std::string_view(entry.value).substr(semicolon + 1))) ==
+                entryPath) {
+            edits.emplace_back(entry.line, std::string(newName) + entry.value.substr(semicolon));
+        }
+    }
+    for (const auto& [line, value] : edits)
+        projectText.SetTopLevelValue(line, value);
+}
+
 // The file keeps its name; `Attribute VB_Name` and, for modules and classes, the project file's
 // entry take the new one.
 void DiskComponent::SetName(std::string_view newName) {
@@ -38,19 +64,7 @@ void DiskComponent::SetName(std::string_view newName) {
     ComponentText renamed = *text_;
     renamed.Rename(newName);
     ProjectFile projectText = project->Text();
-    if (IsNamedEntry(entryKind)) {
-        for (const ProjectEntry& entry : projectText.TopLevel()) {
-            const auto semicolon = entry.value.find(';');
-            if (KindOfKey(entry.key) != entryKind || semicolon == std::string::npos ||
-                Unquoted(text::Trim(std::string_view(entry.value).substr(semicolon + 1))) !=
-                    entryPath) {
-                continue;
-            }
-            projectText.SetTopLevelValue(entry.line,
-                                         std::string(newName) + entry.value.substr(semicolon));
-            break;
-        }
-    }
+    RenameInProjectFile(projectText, name_, newName);
     // Both texts changed or neither: the edits above raise before anything is taken.
     text_ = std::move(renamed);
     project->EditText() = std::move(projectText);

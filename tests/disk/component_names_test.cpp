@@ -97,5 +97,29 @@ TEST_F(ComponentNames, ProjectsFollowTheSameRule) {
     EXPECT_TRUE(environment->ChangedFiles().empty());
 }
 
+TEST(ComponentRename, EveryProjectLineNamingTheComponentFollows) {
+    TempFolder folder;
+    folder.Write("frmMain.frm",
+                 "VERSION 5.00\r\nBegin VB.Form frmMain\r\nEnd\r\n"
+                 "Attribute VB_Name = \"frmMain\"\r\n");
+    folder.Write("frmOther.frm",
+                 "VERSION 5.00\r\nBegin VB.Form frmOther\r\nEnd\r\n"
+                 "Attribute VB_Name = \"frmOther\"\r\n");
+    const auto vbp =
+        folder.Write("Shop.vbp",
+                     "Type=Exe\r\nForm=frmMain.frm\r\nForm=frmOther.frm\r\nStartup=\"frmmain\"\r\n"
+                     "IconForm=\"frmMain\"\r\nName=\"Shop\"\r\nHelpFile=\"frmMain\"\r\n");
+    const auto environment = DiskEnvironment::Open({vbp});
+    const auto components = environment->VBProjects()->Item(1)->VBComponents();
+    components->Item("frmMain")->SetName("frmShop");
+    components->Item("frmOther")->SetName("frmSecond");
+    environment->Save();
+    // The start-up object and the icon form name the new form; other values stay.
+    EXPECT_EQ(folder.Read("Shop.vbp"),
+              "Type=Exe\r\nForm=frmMain.frm\r\nForm=frmOther.frm\r\nStartup=\"frmShop\"\r\n"
+              "IconForm=\"frmShop\"\r\nName=\"Shop\"\r\nHelpFile=\"frmMain\"\r\n");
+    EXPECT_NE(folder.Read("frmMain.frm").find("Begin VB.Form frmShop"), std::string::npos);
+}
+
 }  // namespace
 }  // namespace arbolet::disk
