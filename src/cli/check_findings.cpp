@@ -6,6 +6,7 @@
 #include "analysis/colours.h"
 #include "analysis/vb6_blocks.h"
 #include "cli/component_analysis.h"
+#include "disk/codepage.h"
 #include "disk/component_file.h"
 #include "disk/file_io.h"
 
@@ -51,20 +52,42 @@ void AddWindowFindings(const AnalysedComponent& component, const std::string& sh
     });
 }
 
-// The code below the module attributes, with the file's own line numbers.
-void AddVb6Findings(const disk::ComponentFile& file, const std::string& shown, FileResult& result) {
-    std::string code;
-    for (std::size_t i = static_cast<std::size_t>(file.attributesEnd); i < file.lines.size(); ++i) {
-        code += file.lines[i];
-        code += '\n';
-    }
-    for (auto& block : analysis::vb6::CheckBlocks(code, file.attributesEnd + 1)) {
+bool IsAscii(std::string_view text) {
+    return std::all_of(text.begin(), text.end(),
+                       [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
+// The code below the module attributes, checked as bytes with the file's own line numbers;
+// only the names quoted in messages are decoded.
+void AddVb6Findings(std::string_view bytes, const disk::CodeLocation& code, int codePage,
+                    const std::string& shown, FileResult& result) {
+    const auto lineText = [&](std::int32_t line) -> std::string_view {
+        if (line < 1 || static_cast<std::size_t>(line) > code.raw.size()) return {};
+        const disk::RawLine& raw = code.raw[static_cast<std::size_t>(line - 1)];
+        return bytes.substr(raw.offset, raw.length);
+    };
+    const auto decoded = [codePage](std::string text) {
+        return IsAscii(text) ? text : disk::DecodeCodePage(text, codePage);
+    };
+    for (auto& block :
+         analysis::vb6::CheckBlocks(bytes.substr(code.codeOffset), code.firstCodeLine + 1)) {
         Finding finding = MakeFinding(shown, block.line, "error", analysis::vb6::RuleId(block.rule),
-                                      std::move(block.message));
+                                      decoded(std::move(block.message)));
         finding.relatedLine = block.relatedLine;
-        finding.relatedText = std::move(block.relatedText);
-        finding.fingerprint = Fingerprint(FileLine(file, block.line));
+        finding.relatedText = decoded(std::move(block.relatedText));
+        finding.fingerprint = Fingerprint(decoded(std::string(lineText(block.line))));
         result.findings.push_back(std::move(finding));
+    }
+}
+
+void AddDiagnostics(const std::vector<disk::FileDiagnostic>& diagnostics, const std::string& shown,
+                    FileResult& result) {
+    for (const auto& diagnostic : diagnostics) {
+        const bool error = diagnostic.severity == disk::FileDiagnostic::Severity::Error;
+        result.unreadable |= error;
+        result.findings.push_back(MakeFinding(shown, std::max(diagnostic.line, 1),
+                                              error ? "error" : "warning", kFileFormat,
+                                              diagnostic.message));
     }
 }
 
@@ -119,17 +142,13 @@ FileResult CheckComponentFile(const std::filesystem::path& path, const std::stri
         result.findings.push_back(MakeFinding(shown, 0, "error", kUnreadableFile, error.what()));
         return result;
     }
-    disk::ComponentFile file = disk::ParseComponentFile(bytes, codePage);
-    for (const auto& diagnostic : file.diagnostics) {
-        const bool error = diagnostic.severity == disk::FileDiagnostic::Severity::Error;
-        result.unreadable |= error;
-        result.findings.push_back(MakeFinding(shown, std::max(diagnostic.line, 1),
-                                              error ? "error" : "warning", kFileFormat,
-                                              diagnostic.message));
-    }
     if (rules == RuleSet::Vb6) {
-        AddVb6Findings(file, shown, result);
+        const disk::CodeLocation code = disk::LocateCode(bytes);
+        AddDiagnostics(code.diagnostics, shown, result);
+        AddVb6Findings(bytes, code, codePage, shown, result);
     } else {
+        disk::ComponentFile file = disk::ParseComponentFile(bytes, codePage);
+        AddDiagnostics(file.diagnostics, shown, result);
         component.tree = analysis::BuildCodeTree(file.CodeText(), noOptions);
         component.file = std::move(file);
         AddWindowFindings(component, shown, result);
