@@ -6,6 +6,7 @@
 
 #include "windows/gdi_handles.h"
 #include "windows/icons/icon_sheet.h"
+#include "windows/own_module.h"
 
 namespace arbolet::windows::icons {
 namespace {
@@ -17,16 +18,6 @@ constexpr std::array<std::string_view, kTreeIconCount> kNames = {
     "user_control",    "property_page",    "user_document",
     "designer",        "related_document", "resource_file",
     "code_placeholder"};
-
-// The module whose resources hold the sheets: the one this code is linked into (the add-in DLL
-// or an executable), not the process's main program.
-HMODULE OwnModule() noexcept {
-    HMODULE module = nullptr;
-    GetModuleHandleExW(
-        GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-        reinterpret_cast<LPCWSTR>(&OwnModule), &module);
-    return module;
-}
 
 std::string_view SheetResource(int size) noexcept {
     const HMODULE module = OwnModule();

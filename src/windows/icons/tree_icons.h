@@ -2,8 +2,9 @@
 // factory that builds the list for a screen's DPI from the icon sheets in the module's resources.
 #pragma once
 
-#include <commctrl.h>
 #include <windows.h>
+// after windows.h, which it needs
+#include <commctrl.h>
 
 #include <cstdint>
 #include <string_view>

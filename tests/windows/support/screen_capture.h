@@ -12,7 +12,7 @@ namespace arbolet::windows::testing {
 
 // The screen's pixels inside a rectangle (screen coordinates).
 RgbImage CaptureScreen(const RECT& area);
-// A window as it stands on the screen, frame included.
+// A window as it stands on the screen. Without a window manager (Xvfb) it has no caption bar.
 RgbImage CaptureWindow(HWND hWnd);
 // A width x height picture drawn by `draw` into a memory device context filled with `background`.
 RgbImage DrawPicture(int width, int height, COLORREF background,
