@@ -8,6 +8,7 @@
 
 #include "windows/dialogs/code_sample.h"
 #include "windows/dialogs/dialog_template.h"
+#include "windows/dialogs/help.h"
 #include "windows/dialogs/sample_picture.h"
 #include "windows/options/settings.h"
 #include "windows/own_module.h"
@@ -182,6 +183,9 @@ INT_PTR CALLBACK PropertiesProc(HWND hDlg, UINT iMsg, WPARAM wParam, LPARAM lPar
             return OnInitDialog(hDlg, lParam);
         case WM_COMMAND:
             return OnCommand(hDlg, LOWORD(wParam), HIWORD(wParam));
+        case WM_HELP:
+            ShowHelp(hDlg, DefaultHelpFile(), kPropertiesHelpTopic);
+            return TRUE;
         case kGetSampleOptions:
             *reinterpret_cast<analysis::DisplayOptions*>(lParam) = TickedOptions(hDlg);
             SetWindowLongPtrW(hDlg, DWLP_MSGRESULT, TRUE);

@@ -7,6 +7,8 @@
 namespace arbolet::windows::dialogs {
 
 inline constexpr const char* kPropertiesCaption = "Arbolet Display Options";
+// The help topic F1 opens while the dialog is active.
+inline constexpr const char* kPropertiesHelpTopic = "display-options.html";
 
 // Control identifiers, for the front end's tests and for tools that drive the dialog.
 enum PropertiesControl : WORD {
