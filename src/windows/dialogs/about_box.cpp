@@ -22,20 +22,7 @@ void NextFrame(HWND hDlg) {
 INT_PTR CALLBACK AboutProc(HWND hDlg, UINT iMsg, WPARAM wParam, LPARAM) {
     switch (iMsg) {
         case WM_INITDIALOG: {
-            // Centred on the owner's screen, as a modal box of the host should be.
-            RECT rc;
-            GetWindowRect(hDlg, &rc);
-            const HWND owner = GetWindow(hDlg, GW_OWNER);
-            MONITORINFO monitor{};
-            monitor.cbSize = sizeof(monitor);
-            GetMonitorInfoW(
-                MonitorFromWindow(owner != nullptr ? owner : hDlg, MONITOR_DEFAULTTOPRIMARY),
-                &monitor);
-            const RECT& screen = monitor.rcWork;
-            SetWindowPos(hDlg, nullptr,
-                         screen.left + (screen.right - screen.left - (rc.right - rc.left)) / 2,
-                         screen.top + (screen.bottom - screen.top - (rc.bottom - rc.top)) / 2, 0, 0,
-                         SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+            CentreOnScreen(hDlg);
             SetTimer(hDlg, kAnimationTimer, kFrameMs, nullptr);
             return TRUE;
         }

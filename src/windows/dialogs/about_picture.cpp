@@ -6,8 +6,8 @@
 #include <string>
 
 #include "windows/dialogs/product.h"
+#include "windows/dialogs/window_class.h"
 #include "windows/gdi_handles.h"
-#include "windows/own_module.h"
 
 namespace arbolet::windows::dialogs {
 namespace {
@@ -127,15 +127,8 @@ LRESULT CALLBACK PictureProc(HWND hWnd, UINT iMsg, WPARAM wParam, LPARAM lParam)
 }  // namespace
 
 const wchar_t* AboutPictureClass() noexcept {
-    static const wchar_t* const name = [] {
-        WNDCLASSW windowClass{};
-        windowClass.lpfnWndProc = PictureProc;
-        windowClass.hInstance = OwnModule();
-        windowClass.hCursor = LoadCursor(nullptr, IDC_HAND);
-        windowClass.lpszClassName = L"ArboletAboutPicture";
-        RegisterClassW(&windowClass);
-        return windowClass.lpszClassName;
-    }();
+    static const wchar_t* const name =
+        RegisterControlClass(L"ArboletAboutPicture", PictureProc, IDC_HAND);
     return name;
 }
 

@@ -87,4 +87,18 @@ void DialogTemplate::AddItemHeader(DWORD style, WORD id, short x, short y, short
     ++words_[kCountIndex];
 }
 
+void CentreOnScreen(HWND hDlg) noexcept {
+    const HWND owner = GetWindow(hDlg, GW_OWNER);
+    MONITORINFO monitor{};
+    monitor.cbSize = sizeof(monitor);
+    GetMonitorInfoW(MonitorFromWindow(owner != nullptr ? owner : hDlg, MONITOR_DEFAULTTOPRIMARY),
+                    &monitor);
+    RECT rc;
+    GetWindowRect(hDlg, &rc);
+    const RECT& screen = monitor.rcMonitor;
+    const int x = screen.left + (screen.right - screen.left - (rc.right - rc.left)) / 2;
+    const int y = screen.top + (screen.bottom - screen.top - (rc.bottom - rc.top)) / 2;
+    SetWindowPos(hDlg, nullptr, x, y, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
 }  // namespace arbolet::windows::dialogs

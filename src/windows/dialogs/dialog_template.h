@@ -35,4 +35,7 @@ class DialogTemplate {
     std::vector<WORD> words_;
 };
 
+// Centres a dialog on the screen its owner is on (the primary screen without an owner).
+void CentreOnScreen(HWND hDlg) noexcept;
+
 }  // namespace arbolet::windows::dialogs

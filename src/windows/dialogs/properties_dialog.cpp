@@ -68,21 +68,6 @@ DialogTemplate BuildTemplate() {
     return dialog;
 }
 
-// Centres the dialog on the screen its owner is on (the primary screen without an owner).
-void CentreOnScreen(HWND hDlg) {
-    const HWND owner = GetWindow(hDlg, GW_OWNER);
-    MONITORINFO monitor{};
-    monitor.cbSize = sizeof(monitor);
-    GetMonitorInfoW(MonitorFromWindow(owner != nullptr ? owner : hDlg, MONITOR_DEFAULTTOPRIMARY),
-                    &monitor);
-    RECT rc;
-    GetWindowRect(hDlg, &rc);
-    const RECT& screen = monitor.rcMonitor;
-    const int x = screen.left + (screen.right - screen.left - (rc.right - rc.left)) / 2;
-    const int y = screen.top + (screen.bottom - screen.top - (rc.bottom - rc.top)) / 2;
-    SetWindowPos(hDlg, nullptr, x, y, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-}
-
 void Check(HWND hDlg, WORD id, bool bValue) {
     CheckDlgButton(hDlg, id, bValue ? BST_CHECKED : BST_UNCHECKED);
 }

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "windows/dialogs/code_sample.h"
+#include "windows/dialogs/window_class.h"
 #include "windows/gdi_handles.h"
-#include "windows/own_module.h"
 
 namespace arbolet::windows::dialogs {
 namespace {
@@ -101,15 +101,8 @@ LRESULT CALLBACK PictureProc(HWND hWnd, UINT iMsg, WPARAM wParam, LPARAM lParam)
 }  // namespace
 
 const wchar_t* SamplePictureClass() noexcept {
-    static const wchar_t* const name = [] {
-        WNDCLASSW windowClass{};
-        windowClass.lpfnWndProc = PictureProc;
-        windowClass.hInstance = OwnModule();
-        windowClass.hCursor = LoadCursor(nullptr, IDC_ARROW);
-        windowClass.lpszClassName = L"ArboletCodeSample";
-        RegisterClassW(&windowClass);  // fails harmlessly when already registered
-        return windowClass.lpszClassName;
-    }();
+    static const wchar_t* const name =
+        RegisterControlClass(L"ArboletCodeSample", PictureProc, IDC_ARROW);
     return name;
 }
 
