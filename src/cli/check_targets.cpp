@@ -19,12 +19,14 @@ void AddFolder(const fs::path& folder, std::vector<fs::path>& files, CliContext&
     auto it =
         fs::recursive_directory_iterator(folder, fs::directory_options::skip_permission_denied, ec);
     for (; !ec && it != fs::recursive_directory_iterator(); it.increment(ec)) {
-        if (it->is_regular_file(ec) && disk::IsComponentFileName(it->path().filename().string())) {
+        if (it->is_regular_file(ec) &&
+            disk::IsComponentFileName(disk::PathToUtf8(it->path().filename()))) {
             found.push_back(it->path());
         }
     }
     if (ec) {
-        context.err << "arbolet: " << folder.generic_string() << ": " << ec.message() << '\n';
+        context.err << "arbolet: " << disk::PathToUtf8(folder.generic_u8string()) << ": "
+                    << ec.message() << '\n';
         context.Fail(kExitUsage);
     }
     std::sort(found.begin(), found.end());
@@ -64,7 +66,7 @@ std::vector<fs::path> CollectCheckTargets(const std::vector<std::string>& paths,
                                           CliContext& context) {
     std::vector<fs::path> files;
     for (const auto& text : paths) {
-        const fs::path path(text);
+        const fs::path path = disk::PathFromUtf8(text);
         std::error_code ec;
         if (fs::is_directory(path, ec)) {
             AddFolder(path, files, context);
