@@ -1,24 +1,16 @@
-// The arbolet command-line tool's entry point: decides whether the terminal takes colours.
-#include <cstdio>
-#include <cstdlib>
+// The arbolet command-line tool's entry point: sets up the terminal and runs one subcommand.
 #include <iostream>
 
-#ifdef _WIN32
-#include <io.h>
-#define ARBOLET_ISATTY _isatty
-#define ARBOLET_FILENO _fileno
-#else
-#include <unistd.h>
-#define ARBOLET_ISATTY isatty
-#define ARBOLET_FILENO fileno
-#endif
-
 #include "cli/cli.h"
+#include "console.h"
 
 int main(int argc, char** argv) {
-    const char* noColour = std::getenv("NO_COLOR");
-    const bool colour =
-        ARBOLET_ISATTY(ARBOLET_FILENO(stdout)) && (noColour == nullptr || *noColour == '\0');
+    const arbolet::app::Console console;
+    const std::vector<std::string> arguments = arbolet::app::Utf8Arguments(argc, argv);
+    std::vector<const char*> pointers;
+    for (const std::string& argument : arguments)
+        pointers.push_back(argument.c_str());
     std::ios::sync_with_stdio(false);
-    return arbolet::cli::RunArbolet(argc, argv, {std::cout, std::cerr, colour});
+    return arbolet::cli::RunArbolet(static_cast<int>(pointers.size()), pointers.data(),
+                                    {std::cout, std::cerr, console.Colour()});
 }
