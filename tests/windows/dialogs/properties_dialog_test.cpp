@@ -94,6 +94,18 @@ TEST_F(PropertiesDialog, ClickedBoxesAreSavedByOk) {
     }
 }
 
+TEST_F(PropertiesDialog, TheKeyboardAloneTicksBoxesAndSaves) {
+    StoreAll(0);
+    // The focus starts on the first box (Variables); Tab moves to the next one.
+    EXPECT_TRUE(Run({DialogRobot::Key(VK_SPACE), DialogRobot::Key(VK_TAB),
+                     DialogRobot::Key(VK_SPACE), DialogRobot::Key(VK_RETURN)}));
+    for (const char* name : kOptionNames) {
+        const bool on =
+            std::string(name) == "ShowVariables" || std::string(name) == "ShowConstants";
+        EXPECT_EQ(Stored(name), on ? 0xFFFFFFFFu : 0u) << name;
+    }
+}
+
 TEST_F(PropertiesDialog, CancelAndEscapeLeaveTheRegistryAsItWas) {
     StoreAll(7);  // any non-zero value reads as True
     std::vector<UINT> states;
