@@ -106,22 +106,13 @@ void Paint(HWND hWnd, HDC target) {
 }
 
 LRESULT CALLBACK PictureProc(HWND hWnd, UINT iMsg, WPARAM wParam, LPARAM lParam) {
-    switch (iMsg) {
-        case WM_PAINT: {
-            PAINTSTRUCT ps;
-            Paint(hWnd, BeginPaint(hWnd, &ps));
-            EndPaint(hWnd, &ps);
-            return 0;
-        }
-        case WM_ERASEBKGND:
-            return 1;
-        case WM_LBUTTONDOWN:
-        case WM_RBUTTONDOWN:  // a click anywhere closes the box
-            PostMessageW(GetParent(hWnd), WM_COMMAND, IDOK, 0);
-            return 0;
-        default:
-            return DefWindowProcW(hWnd, iMsg, wParam, lParam);
+    LRESULT result = 0;
+    if (HandlePaintMessages<Paint>(hWnd, iMsg, wParam, result)) return result;
+    if (iMsg == WM_LBUTTONDOWN || iMsg == WM_RBUTTONDOWN) {  // a click anywhere closes the box
+        PostMessageW(GetParent(hWnd), WM_COMMAND, IDOK, 0);
+        return 0;
     }
+    return DefWindowProcW(hWnd, iMsg, wParam, lParam);
 }
 
 }  // namespace

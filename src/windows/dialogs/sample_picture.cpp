@@ -81,21 +81,9 @@ void Paint(HWND hWnd, HDC dc) {
 }
 
 LRESULT CALLBACK PictureProc(HWND hWnd, UINT iMsg, WPARAM wParam, LPARAM lParam) {
-    switch (iMsg) {
-        case WM_PAINT: {
-            PAINTSTRUCT ps;
-            Paint(hWnd, BeginPaint(hWnd, &ps));
-            EndPaint(hWnd, &ps);
-            return 0;
-        }
-        case WM_PRINTCLIENT:
-            Paint(hWnd, reinterpret_cast<HDC>(wParam));
-            return 0;
-        case WM_ERASEBKGND:
-            return 1;
-        default:
-            return DefWindowProcW(hWnd, iMsg, wParam, lParam);
-    }
+    LRESULT result = 0;
+    if (HandlePaintMessages<Paint>(hWnd, iMsg, wParam, result)) return result;
+    return DefWindowProcW(hWnd, iMsg, wParam, lParam);
 }
 
 }  // namespace

@@ -20,4 +20,29 @@ inline const wchar_t* RegisterControlClass(const wchar_t* name, WNDPROC proc,
     return name;
 }
 
+// The messages every self-drawn control of the dialogs answers alike: painting, on the screen
+// and into a device context it is given, and no background erasing, which would flicker.
+// Sets `result` and answers true when the message was one of them.
+template <void (*Paint)(HWND, HDC)>
+bool HandlePaintMessages(HWND hWnd, UINT iMsg, WPARAM wParam, LRESULT& result) noexcept {
+    switch (iMsg) {
+        case WM_PAINT: {
+            PAINTSTRUCT ps;
+            Paint(hWnd, BeginPaint(hWnd, &ps));
+            EndPaint(hWnd, &ps);
+            result = 0;
+            return true;
+        }
+        case WM_PRINTCLIENT:
+            Paint(hWnd, reinterpret_cast<HDC>(wParam));
+            result = 0;
+            return true;
+        case WM_ERASEBKGND:
+            result = 1;
+            return true;
+        default:
+            return false;
+    }
+}
+
 }  // namespace arbolet::windows::dialogs

@@ -48,7 +48,8 @@ int IconSizeForDpi(UINT dpi) noexcept;
 // Builds the image list of every TreeIcon at the size for the DPI (32-bit colour with a mask,
 // so that both the old and the themed common controls draw it transparent). The caller owns
 // the list and frees it with ImageList_Destroy. nullptr when the icon resources are missing or
-// malformed.
+// malformed: the sheets come with the library's compiled resource script, which reaches a
+// program or DLL only through PUBLIC links (or a direct one) to arbolet_win_icons.
 HIMAGELIST CreateTreeImageList(UINT dpi) noexcept;
 
 }  // namespace arbolet::windows::icons

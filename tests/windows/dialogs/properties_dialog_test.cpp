@@ -49,9 +49,9 @@ class PropertiesDialog : public ::testing::Test {
     void TearDown() override { testing::DeleteTree(HKEY_CLASSES_ROOT, options::OptionsKeyPath()); }
 
     // Shows the dialog while the robot plays the steps; what ShowPropertiesDialog answered.
-    bool Run(std::vector<DialogRobot::Step> steps) {
+    bool Run(std::vector<DialogRobot::Step> steps, HWND owner = nullptr) {
         DialogRobot robot(kPropertiesCaption, std::move(steps));
-        const bool saved = ShowPropertiesDialog(owner_.get());
+        const bool saved = ShowPropertiesDialog(owner != nullptr ? owner : owner_.get());
         EXPECT_TRUE(robot.Finished()) << "the dialog closed before the script was over";
         EXPECT_FALSE(robot.ClosedByRobot()) << "the script did not close the dialog";
         return saved;
@@ -83,6 +83,26 @@ TEST_F(PropertiesDialog, FreshInstallShowsEveryBoxClearAndOkSavesFalseForAll) {
         EXPECT_EQ(Stored(name), 0u) << name;
 }
 
+// The tool window's document is a child window inside the IDE: the dialog is then modal to the
+// IDE's top-level window, which is given back when it closes.
+TEST_F(PropertiesDialog, AChildWindowAsOwnerDisablesItsTopLevelWindow) {
+    const HWND document = CreateWindowExA(0, "STATIC", "document", WS_CHILD | WS_VISIBLE, 0, 0, 50,
+                                          50, owner_.get(), nullptr, nullptr, nullptr);
+    ASSERT_NE(document, nullptr);
+    HWND dialogOwner = nullptr;
+    bool topLevelEnabled = true;
+    EXPECT_FALSE(Run({[&](HWND hDlg) {
+                          dialogOwner = GetWindow(hDlg, GW_OWNER);
+                          topLevelEnabled = IsWindowEnabled(owner_.get()) != FALSE;
+                      },
+                      DialogRobot::Key(VK_ESCAPE)},
+                     document));
+    EXPECT_EQ(dialogOwner, owner_.get());
+    EXPECT_FALSE(topLevelEnabled);
+    EXPECT_TRUE(IsWindowEnabled(owner_.get()));
+    DestroyWindow(document);
+}
+
 TEST_F(PropertiesDialog, ClickedBoxesAreSavedByOk) {
     StoreAll(0);
     EXPECT_TRUE(Run({DialogRobot::Click(kChkConst), DialogRobot::Click(kChkSortByName),
@@ -90,6 +110,18 @@ TEST_F(PropertiesDialog, ClickedBoxesAreSavedByOk) {
                      DialogRobot::Click(kCmdOK)}));
     for (const char* name : kOptionNames) {
         const bool on = std::string(name) == "ShowConstants" || std::string(name) == "ShowTypes";
+        EXPECT_EQ(Stored(name), on ? 0xFFFFFFFFu : 0u) << name;
+    }
+}
+
+TEST_F(PropertiesDialog, TheKeyboardAloneTicksBoxesAndSaves) {
+    StoreAll(0);
+    // The focus starts on the first box (Variables); Tab moves to the next one.
+    EXPECT_TRUE(Run({DialogRobot::Key(VK_SPACE), DialogRobot::Key(VK_TAB),
+                     DialogRobot::Key(VK_SPACE), DialogRobot::Key(VK_RETURN)}));
+    for (const char* name : kOptionNames) {
+        const bool on =
+            std::string(name) == "ShowVariables" || std::string(name) == "ShowConstants";
         EXPECT_EQ(Stored(name), on ? 0xFFFFFFFFu : 0u) << name;
     }
 }
