@@ -78,6 +78,11 @@ bool ContextMenus::BuildTreeMenu(MouseButton button, const tree::Node* hit) {
             nodeIndex = projectNode->Index();
             ProjectMenu(*projectNode);
         } else {
+            // The environment's commands act on the active project, as after a click on the
+            // node in its own project window.
+            if (const auto project = explorer_.ProjectOfNode(*hit)) {
+                vbe_->SetActiveVBProject(project);
+            }
             switch (hit->Kind()) {
                 case tree::NodeKind::Project:
                     ProjectMenu(*hit);
