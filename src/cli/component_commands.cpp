@@ -90,15 +90,20 @@ void RunNew(CliContext& context, const NewOptions& options) {
     const std::int32_t before = components->Count();
     const explorer::Outcome outcome =
         session.dispatcher.Run(kind->key, 0, explorer::ProjectKey(project->Name()));
-    if (outcome.done() && components->Count() > before) {
-        const env::VBComponentRef added = components->Item(components->Count());
-        context.out << "added " << added->Name() << " ("
-                    << ShownPath(disk::PathFromUtf8(added->FileNames(1))) << ")\n";
+    if (!Report(context, session.loaded.ui, outcome)) {
+        if (*kind->rule != '\0') context.err << "arbolet: " << kind->rule << '\n';
+        return;
     }
-    Finish(context, session, outcome);
-    if (outcome.status() == explorer::Outcome::Status::Refused && *kind->rule != '\0') {
-        context.err << "arbolet: " << kind->rule << '\n';
+    if (components->Count() == before) return;
+    const env::VBComponentRef added = components->Item(components->Count());
+    const std::filesystem::path file = disk::PathFromUtf8(added->FileNames(1));
+    if (!SaveChanges(context, *environment)) {
+        // The project does not list it, so the new file would only be litter.
+        std::error_code ec;
+        std::filesystem::remove(file, ec);
+        return;
     }
+    context.out << "added " << added->Name() << " (" << ShownPath(file) << ")\n";
 }
 
 void RunRemove(CliContext& context, const RemoveOptions& options) {

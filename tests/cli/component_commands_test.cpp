@@ -141,6 +141,14 @@ TEST_F(ComponentCommands, NewRefusesWithTheIdesRuleAndChangesNothing) {
     EXPECT_EQ(folder.Read("Form1.frm"), "not ours");
     EXPECT_EQ(folder.Read("Shop.vbp"), before);
     EXPECT_EQ(Arbolet({"new", shop, "widget"}).status, 2);
+
+    // A project file that cannot be written: no entry, and no new file left behind.
+    folder.MakeReadOnly("Shop.vbp");
+    const CliRun readOnly = Arbolet({"new", shop, "module"});
+    EXPECT_EQ(readOnly.status, 2);
+    EXPECT_NE(readOnly.err.find("read-only"), std::string::npos) << readOnly.err;
+    EXPECT_FALSE(std::filesystem::exists(folder / "Module1.bas"));
+    EXPECT_EQ(folder.Read("Shop.vbp"), before);
 }
 
 TEST_F(ComponentCommands, RemoveTakesOnlyTheEntryLine) {
