@@ -111,20 +111,9 @@ void RunRemove(CliContext& context, const RemoveOptions& options) {
     if (!environment) return;
     CommandSession session(environment, context);
     const env::VBProjectRef project = environment->VBProjects()->Item(1);
-    std::string key;
-    try {
-        const auto component = project->VBComponents()->Item(options.component);
-        key = explorer::ComponentKey(explorer::ComponentDisplayName(*component), project->Name());
-    } catch (const VbError&) {
-    }
-    if (key.empty() || !session.loaded.view.Nodes().Exists(key)) {
-        context.err << "arbolet: " << project->Name() << " has no component named '"
-                    << options.component << "'\n";
-        context.Fail(kExitFindings);
-        return;
-    }
-    const std::int32_t index = session.loaded.view.Nodes().Item(key)->Index();
-    const explorer::Outcome outcome = session.dispatcher.Run("Remove", index);
+    const tree::NodeRef node = ComponentNode(context, session.loaded, *project, options.component);
+    if (!node) return;
+    const explorer::Outcome outcome = session.dispatcher.Run("Remove", node->Index());
     if (outcome.done()) {
         context.out << "removed " << options.component << " from " << project->Name()
                     << " (its files stay)\n";
