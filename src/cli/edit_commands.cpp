@@ -48,20 +48,9 @@ void RunRename(CliContext& context, const RenameOptions& options) {
     if (!environment) return;
     LoadedTree loaded(environment, context);
     const env::VBProjectRef project = environment->VBProjects()->Item(1);
-    std::string key;
-    try {
-        const auto component = project->VBComponents()->Item(options.component);
-        key = explorer::ComponentKey(explorer::ComponentDisplayName(*component), project->Name());
-    } catch (const VbError&) {
-    }
-    if (key.empty() || !loaded.view.Nodes().Exists(key)) {
-        context.err << "arbolet: " << project->Name() << " has no component named '"
-                    << options.component << "'\n";
-        context.Fail(kExitFindings);
-        return;
-    }
-    const explorer::Outcome outcome =
-        loaded.explorer.AfterLabelEdit(*loaded.view.Nodes().Item(key), options.newName);
+    const tree::NodeRef node = ComponentNode(context, loaded, *project, options.component);
+    if (!node) return;
+    const explorer::Outcome outcome = loaded.explorer.AfterLabelEdit(*node, options.newName);
     if (!outcome.done()) ExplainRefusedName(context, *project, options);
     FinishChange(context, loaded, outcome);
 }

@@ -2,6 +2,7 @@
 #include "cli/project_loading.h"
 
 #include "base/utf8.h"
+#include "base/vb_error.h"
 #include "cli/cli_context.h"
 #include "disk/file_io.h"
 #include "disk/vb_path.h"
@@ -71,6 +72,21 @@ bool Report(CliContext& context, const TerminalUi& ui, const explorer::Outcome& 
     }
     context.Fail(failed ? kExitUsage : kExitFindings);
     return false;
+}
+
+tree::NodeRef ComponentNode(CliContext& context, LoadedTree& loaded, const env::VBProject& project,
+                            const std::string& name) {
+    try {
+        const auto component = project.VBComponents()->Item(name);
+        const std::string key =
+            explorer::ComponentKey(explorer::ComponentDisplayName(*component), project.Name());
+        if (loaded.view.Nodes().Exists(key)) return loaded.view.Nodes().Item(key);
+    } catch (const VbError&) {
+        // Reported below, as for a name the project does not hold.
+    }
+    context.err << "arbolet: " << project.Name() << " has no component named '" << name << "'\n";
+    context.Fail(kExitFindings);
+    return nullptr;
 }
 
 LoadedTree::LoadedTree(std::shared_ptr<disk::DiskEnvironment> projects, CliContext& context,

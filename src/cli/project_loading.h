@@ -37,6 +37,13 @@ std::shared_ptr<disk::DiskEnvironment> OpenOneProject(const std::string& path,
 // printed unless the dialog on the terminal just showed it.
 bool Report(CliContext& context, const TerminalUi& ui, const explorer::Outcome& outcome);
 
+struct LoadedTree;
+
+// The tree node of the project's component named `name` (ignoring case); nullptr, reported with
+// exit status 1, when the project has none.
+tree::NodeRef ComponentNode(CliContext& context, LoadedTree& loaded, const env::VBProject& project,
+                            const std::string& name);
+
 // The explorer over opened projects, with the tree built.
 struct LoadedTree {
     LoadedTree(std::shared_ptr<disk::DiskEnvironment> projects, CliContext& context,

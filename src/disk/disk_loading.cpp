@@ -172,12 +172,16 @@ std::shared_ptr<DiskProject> DiskEnvironment::LoadProject(const fs::path& projec
 }
 
 void DiskEnvironment::OpenGroup(const fs::path& groupFile) {
-    const GroupFile group = ParseGroupFile(ReadFileBytes(groupFile), codePage_);
+    std::string bytes = ReadFileBytes(groupFile);
+    const GroupFile group = ParseGroupFile(bytes, codePage_);
     if (!group.IsGroup()) {
         const auto& diagnostic = group.diagnostics.front();
         throw FileError(groupFile, diagnostic.line > 0 ? "line " + std::to_string(diagnostic.line) +
                                                              ": " + diagnostic.message
                                                        : diagnostic.message);
+    }
+    if (!projects_->group) {
+        projects_->group = std::make_shared<DiskGroup>(groupFile, std::move(bytes), codePage_);
     }
     const std::string groupShown = PathToUtf8(groupFile.generic_u8string());
     for (const GroupMember& member : group.projects) {

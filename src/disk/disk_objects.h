@@ -12,6 +12,7 @@
 #include "disk/codepage.h"
 #include "disk/component_entry.h"
 #include "disk/component_properties.h"
+#include "disk/disk_group.h"
 #include "disk/project_file.h"
 #include "environment/collection_items.h"
 #include "environment/event_hub.h"
@@ -65,6 +66,7 @@ class DiskComponents final : public env::ComponentList<DiskComponent> {
   public:
     using ComponentList::ComponentList;
     env::VBComponentRef AddFile(std::string_view fileName) override;
+    void Remove(const env::VBComponentRef& component) override;
 };
 
 class DiskProject final : public env::VBProject, public std::enable_shared_from_this<DiskProject> {
@@ -111,7 +113,13 @@ class DiskProject final : public env::VBProject, public std::enable_shared_from_
     std::string original_;
 };
 
-class DiskProjects final : public env::ProjectList<DiskProject> {};
+// A new start-up project is also recorded in the group the projects came from, if any.
+class DiskProjects final : public env::ProjectList<DiskProject> {
+  public:
+    void SetStartProject(const env::VBProjectRef& project) override;
+
+    std::shared_ptr<DiskGroup> group;
+};
 
 // The component's project, or nullptr when it belongs to none.
 std::shared_ptr<DiskProject> OwningProject(const DiskComponent& component);

@@ -38,6 +38,8 @@ void CheckStillAsRead(const PendingWrite& write) {
 
 std::vector<fs::path> DiskEnvironment::ChangedFiles() const {
     std::vector<fs::path> changed;
+    if (projects_->group && projects_->group->Changed())
+        changed.push_back(projects_->group->Path());
     for (const auto& project : projects_->items) {
         if (project->Changed()) changed.push_back(project->Path());
         for (const auto& component : project->components->items) {
@@ -49,6 +51,9 @@ std::vector<fs::path> DiskEnvironment::ChangedFiles() const {
 
 void DiskEnvironment::Save() {
     std::vector<PendingWrite> writes;
+    if (const auto& group = projects_->group; group && group->Changed()) {
+        writes.push_back({group->Path(), &group->Original(), &group->Current()});
+    }
     for (const auto& project : projects_->items) {
         if (project->Changed()) {
             writes.push_back({project->Path(), &project->Original(), &project->Text().Bytes()});
@@ -76,6 +81,7 @@ void DiskEnvironment::Save() {
             throw;
         }
     }
+    if (projects_->group) projects_->group->MarkSaved();
     for (const auto& project : projects_->items) {
         project->MarkSaved();
         for (const auto& component : project->components->items)

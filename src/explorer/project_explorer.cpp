@@ -365,7 +365,7 @@ Outcome ProjectExplorer::RemoveComponent(const tree::Node& node) {
         const env::VBComponentRef component = ComponentOfNode(node);
         if (!component) return Outcome::Failed("The node stands for no component");
         if (component->FileCount() < 1 || component->FileNames(1).empty()) {
-            return Refuse("Must Be Saved First.", MsgBoxIcon::None, {});
+            return Refuse("Must Be Saved First.", MsgBoxIcon::Information, {});
         }
         component->Collection()->Remove(component);
         return Outcome::Done();
