@@ -12,13 +12,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::wstring Widen(const char* text) {
-    std::wstring wide;
-    for (; *text != '\0'; ++text)
-        wide += static_cast<wchar_t>(static_cast<unsigned char>(*text));
-    return wide;
-}
-
 fs::path KnownFolder(REFKNOWNFOLDERID id) {
     PWSTR path = nullptr;
     fs::path result;
@@ -55,6 +48,13 @@ void AddClass(std::vector<RegistryValue>& values, HKEY root, const char* clsid, 
 }
 
 }  // namespace
+
+std::wstring Widen(const char* text) {
+    std::wstring wide;
+    for (; *text != '\0'; ++text)
+        wide += static_cast<wchar_t>(static_cast<unsigned char>(*text));
+    return wide;
+}
 
 DWORD RunMsiexec(const std::wstring& arguments) {
     std::wstring commandLine = L"msiexec.exe " + arguments;

@@ -27,6 +27,9 @@ struct RegistryValue {
     std::variant<std::wstring, DWORD> value;
 };
 
+// An ASCII text as a wide one.
+std::wstring Widen(const char* text);
+
 // Runs msiexec with `arguments` (for example L"/i \"C:\\x.msi\" /qn") and returns its exit code.
 DWORD RunMsiexec(const std::wstring& arguments);
 

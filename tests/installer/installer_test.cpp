@@ -37,10 +37,6 @@ DWORD Remove(const char* package) {
     return Msiexec(L"/x", package);
 }
 
-std::wstring Widen(const char* text) {
-    return std::wstring(text, text + strlen(text));
-}
-
 // Says which parts of the product this build's package lacks, so that a run without them
 // never looks like a full test.
 void ReportMissingParts() {
