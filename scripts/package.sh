@@ -42,10 +42,12 @@ echo "$shown; manual page usr/share/man/man1/arbolet.1.gz"
 for arch in x86 x64; do
     toolchain=cmake/toolchains/mingw-$([[ $arch == x86 ]] && echo i686 || echo x86_64).cmake
     step "Windows $arch build"
+    # The flags of the CMake presets, so that the compiler cache serves both.
     cmake -S . -B "build/package-windows-$arch" -G Ninja --toolchain "$toolchain" \
-        -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_FLAGS_RELEASE="-O2 -DNDEBUG" \
+        -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_FLAGS_RELEASE="-O2 -DNDEBUG" -DARBOLET_WERROR=ON \
         -DARBOLET_BUILD_TESTS=OFF -DARBOLET_BUILD_CLI=ON >/dev/null
-    cmake --build "build/package-windows-$arch" -j "$jobs"
+    # The packages and what they hold, nothing else.
+    cmake --build "build/package-windows-$arch" -j "$jobs" --target arbolet_msi
 done
 
 installer=build/package-windows-x86/installer
