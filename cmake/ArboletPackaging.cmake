@@ -22,7 +22,7 @@ set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGE_VENDOR "Arbolet")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY
     "logic-flow trees and block checks for Visual Basic 6 projects")
-set(CPACK_PACKAGE_DESCRIPTION
+string(CONCAT CPACK_PACKAGE_DESCRIPTION
     "arbolet prints Visual Basic 6 projects as trees (projects, folders, components, and each\n"
     "component's code as a logic-flow tree), reports misplaced or missing block statements for\n"
     "CI, and edits custom folders and component names in the project files.")

@@ -10,15 +10,19 @@ set(ARBOLET_COPYRIGHT "Copyright (C) 2026 the Arbolet developers")
 
 # The add-in's COM classes. The IDE finds the connection class by its ProgID under the Addins
 # key and creates the tool window's control by its ProgID, so these never change between
-# releases: an upgrade must replace the registration in place.
-set(ARBOLET_CONNECT_PROGID "Quorlin.dVisualBasic")
-set(ARBOLET_CONNECT_CLSID "9454F5F5-E519-4FC4-B69B-20668839458E")
+# releases: an upgrade must replace the registration in place. The DLL's own registration
+# (src/windows/com/vbide_ids.h) uses the same values.
+set(ARBOLET_CONNECT_PROGID "Arbolet.dVisualBasic")
+set(ARBOLET_CONNECT_CLSID "3DED0A63-1886-4689-82B8-1008473F854C")
 set(ARBOLET_DOCUMENT_PROGID "Quorlin.docAddIn")
-set(ARBOLET_DOCUMENT_CLSID "9B5C36C4-F608-4421-9337-3ABC6F58BC6C")
+set(ARBOLET_DOCUMENT_CLSID "6386DC89-55C6-45B5-AB6B-2F53774B22E5")
 
 set(ARBOLET_VERSION_TEMPLATE_DIR ${CMAKE_CURRENT_LIST_DIR}/templates)
 # The installer's upgrade codes: a newer package finds and replaces an older one by them. The
 # x86_64 package is a separate product, used for testing under a 64-bit-only Wine.
+# What the IDE's Add-In Manager shows for the add-in.
+set(ARBOLET_ADDIN_DESCRIPTION "Shows the open projects as a tree of folders, components and each component's code as a logic-flow tree with its block errors.")
+
 set(ARBOLET_UPGRADE_CODE_X86 "6B76C50E-FCFA-4A9F-97EB-8A104289B4FC")
 set(ARBOLET_UPGRADE_CODE_X64 "FD8778A7-D52E-410F-8DE2-BB626837680F")
 

@@ -29,3 +29,8 @@ install_packages_if_missing() {
         DEBIAN_FRONTEND=noninteractive apt-get install -y -qq "${missing[@]}" >/dev/null
     fi
 }
+
+# What scripts/package.sh needs beyond the native build: the Windows cross compilers, wixl for
+# the installer, and dpkg-dev for the Debian package's library dependencies.
+PACKAGE_PACKAGES=(cmake ninja-build g++ libcli11-dev nlohmann-json3-dev libfmt-dev mingw-w64 wixl
+                  dpkg-dev man-db)

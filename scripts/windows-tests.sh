@@ -7,6 +7,8 @@ cd "$(dirname "$0")/.."
 source scripts/lib.sh
 
 install_packages_if_missing cmake ninja-build ccache mingw-w64 wine64 xvfb googletest fp-utils
+# wixl builds the Windows Installer packages, which a test installs and removes under Wine.
+install_packages_if_missing wixl
 use_compiler_cache
 
 jobs=$(nproc)

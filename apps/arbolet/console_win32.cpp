@@ -1,8 +1,9 @@
 // The terminal of the arbolet tool on Windows (see console.h). The console shows UTF-8 only
 // when told so, and ANSI colours only with virtual terminal processing on; a redirected
 // output is a file or pipe and gets plain UTF-8 without colours.
-#include <shellapi.h>
 #include <windows.h>
+// shellapi.h needs the types of windows.h.
+#include <shellapi.h>
 
 #include <cstdlib>
 
