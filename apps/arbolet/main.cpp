@@ -16,9 +16,10 @@
 #include "cli/cli.h"
 
 int main(int argc, char** argv) {
-    const char* noColour = std::getenv("NO_COLOR");
-    const bool colour =
-        ARBOLET_ISATTY(ARBOLET_FILENO(stdout)) && (noColour == nullptr || *noColour == '\0');
+    const char* term = std::getenv("TERM");
+    const bool colour = arbolet::cli::ColourByDefault(ARBOLET_ISATTY(ARBOLET_FILENO(stdout)) != 0,
+                                                      term, std::getenv("NO_COLOR"));
+    const auto depth = arbolet::cli::DepthFromEnvironment(term, std::getenv("COLORTERM"));
     std::ios::sync_with_stdio(false);
-    return arbolet::cli::RunArbolet(argc, argv, {std::cout, std::cerr, colour});
+    return arbolet::cli::RunArbolet(argc, argv, {std::cout, std::cerr, colour, depth});
 }
