@@ -6,7 +6,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 source scripts/lib.sh
 
-install_packages_if_missing cmake ninja-build ccache mingw-w64 wine64 xvfb googletest
+install_packages_if_missing cmake ninja-build ccache mingw-w64 wine64 xvfb googletest fp-utils
 use_compiler_cache
 
 jobs=$(nproc)

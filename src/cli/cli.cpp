@@ -3,13 +3,15 @@
 
 #include <CLI/CLI.hpp>
 
+#include "arbolet/version.h"
+
 #include "cli/cli_context.h"
 #include "cli/commands.h"
 
 namespace arbolet::cli {
 namespace {
 
-constexpr const char* kVersion = "arbolet 0.1.0";
+constexpr const char* kVersion = "arbolet " ARBOLET_VERSION_TEXT;
 
 void AddCodePageOption(CLI::App& app, CliContext& context) {
     app.add_option("--codepage", context.codePage,
@@ -42,6 +44,9 @@ int RunArbolet(int argc, const char* const* argv, Terminal terminal) {
     CLI::App app{"Arbolet: logic-flow trees and block checks for Visual Basic 6 projects",
                  "arbolet"};
     app.set_version_flag("--version", kVersion);
+    // CLI11 reads "/name" as an option on Windows, which turns a root-relative path such as
+    // /projects/App.vbp into an unknown option. Arbolet's options are only ever "--name".
+    app.allow_windows_style_options(false);
     app.require_subcommand(1);
     app.fallthrough();
     AddCodePageOption(app, context);

@@ -7,6 +7,7 @@
 #include "cli/display_flags.h"
 #include "cli/json_writer.h"
 #include "cli/terminal_style.h"
+#include "disk/vb_path.h"
 
 namespace arbolet::cli {
 namespace {
@@ -82,7 +83,8 @@ void RunCode(CliContext& context, const CodeOptions& options) {
         json->BeginArray();
     }
     for (const auto& file : options.files) {
-        const auto component = AnalyseComponentFile(file, context.codePage, options.display);
+        const auto component =
+            AnalyseComponentFile(disk::PathFromUtf8(file), context.codePage, options.display);
         ReportFileProblems(context, component);
         if (component.readError) continue;
         if (!json) {

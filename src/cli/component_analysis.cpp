@@ -2,6 +2,7 @@
 #include "cli/component_analysis.h"
 
 #include "disk/file_io.h"
+#include "disk/vb_path.h"
 
 namespace arbolet::cli {
 
@@ -21,13 +22,14 @@ AnalysedComponent AnalyseComponentFile(const std::filesystem::path& path, int co
         return component;
     }
     component.file = disk::ParseComponentFile(bytes, codePage);
-    component.name = component.file.name.empty() ? path.stem().string() : component.file.name;
+    component.name =
+        component.file.name.empty() ? disk::PathToUtf8(path.stem()) : component.file.name;
     component.tree = analysis::BuildCodeTree(component.file.CodeText(), options);
     return component;
 }
 
 std::string DisplayPath(const std::filesystem::path& path) {
-    return path.generic_string();
+    return disk::PathToUtf8(path.generic_u8string());
 }
 
 }  // namespace arbolet::cli

@@ -118,9 +118,16 @@ std::vector<RawLine> SplitRawLines(std::string_view bytes) {
         if (bytes[i] != '\r' && bytes[i] != '\n') continue;
         RawLine line{start, i - start, LineEnding::LF};
         if (bytes[i] == '\r') {
-            const bool crlf = i + 1 < bytes.size() && bytes[i + 1] == '\n';
-            line.ending = crlf ? LineEnding::CRLF : LineEnding::CR;
-            if (crlf) ++i;
+            const std::string_view rest = bytes.substr(i);
+            if (rest.starts_with("\r\r\n")) {
+                line.ending = LineEnding::CRCRLF;
+                i += 2;
+            } else if (rest.starts_with("\r\n")) {
+                line.ending = LineEnding::CRLF;
+                ++i;
+            } else {
+                line.ending = LineEnding::CR;
+            }
         }
         lines.push_back(line);
         start = i + 1;

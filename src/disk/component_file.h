@@ -12,7 +12,8 @@
 
 namespace arbolet::disk {
 
-enum class LineEnding { CRLF, LF, CR, None };
+// CR CR LF is what a second conversion to CRLF makes of a CRLF; it is one line end.
+enum class LineEnding { CRLF, LF, CR, CRCRLF, None };
 
 // One physical line of a text file: its bytes without the terminator, and the terminator.
 struct RawLine {
@@ -21,8 +22,8 @@ struct RawLine {
     LineEnding ending = LineEnding::None;
 };
 
-// Splits bytes into lines at CRLF, LF and lone CR. A file ending in a terminator has no empty
-// last line; an empty file has no lines.
+// Splits bytes into lines at CRLF, CR CR LF, LF and lone CR. A file ending in a terminator has no
+// empty last line; an empty file has no lines.
 std::vector<RawLine> SplitRawLines(std::string_view bytes);
 
 struct FileDiagnostic {

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -68,6 +69,9 @@ class DiskEnvironment final : public env::VBE,
     void Save();
 
   private:
+    // Canonical paths of the files that changed.
+    using ChangedSet = std::set<std::filesystem::path>;
+
     explicit DiskEnvironment(int codePage);
 
     void OpenGroup(const std::filesystem::path& groupFile);
@@ -75,10 +79,9 @@ class DiskEnvironment final : public env::VBE,
                                              const std::string& shownAs);
     bool IsOpen(const std::filesystem::path& projectFile) const;
     bool HasProjectNamed(const std::string& name) const;
-    void RefreshProject(const std::shared_ptr<DiskProject>& project,
-                        const std::vector<std::filesystem::path>& changed);
+    void RefreshProject(const std::shared_ptr<DiskProject>& project, const ChangedSet& changed);
     void ReloadProjectFile(const std::shared_ptr<DiskProject>& project);
-    void SyncComponents(DiskProject& project, const std::vector<std::filesystem::path>& changed);
+    void SyncComponents(DiskProject& project, const ChangedSet& changed);
     void ReloadComponent(DiskProject& project, const std::shared_ptr<DiskComponent>& component);
     void CloseProject(const std::shared_ptr<DiskProject>& project);
 

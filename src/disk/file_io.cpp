@@ -7,6 +7,8 @@
 #include <random>
 #include <system_error>
 
+#include "disk/vb_path.h"
+
 namespace arbolet::disk {
 namespace fs = std::filesystem;
 
@@ -19,13 +21,16 @@ std::string Describe(int error) {
 fs::path TemporarySibling(const fs::path& path) {
     std::random_device random;
     const auto suffix = std::to_string(random()) + ".tmp";
-    return path.parent_path() / ("." + path.filename().string() + "." + suffix);
+    fs::path name = ".";
+    name += path.filename();
+    name += "." + suffix;
+    return path.parent_path() / name;
 }
 
 }  // namespace
 
 FileError::FileError(const fs::path& p, const std::string& what)
-    : std::runtime_error(p.string() + ": " + what), path(p) {}
+    : std::runtime_error(PathToUtf8(p) + ": " + what), path(p) {}
 
 std::string ReadFileBytes(const fs::path& path) {
     std::error_code ec;

@@ -13,6 +13,8 @@ std::string_view TerminatorBytes(LineEnding ending) {
             return "\n";
         case LineEnding::CR:
             return "\r";
+        case LineEnding::CRCRLF:
+            return "\r\r\n";
         case LineEnding::None:
             break;
     }

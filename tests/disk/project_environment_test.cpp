@@ -320,6 +320,32 @@ TEST_F(DiskSaveTest, LfAndMixedFilesKeepTheirLineEndings) {
     }
 }
 
+// A CRLF file converted twice ends its lines with CR CR LF: one line end, written back as such.
+TEST_F(DiskSaveTest, CrCrLfIsOneLineEndAndStaysOne) {
+    const auto doubled = [](std::string text) {
+        for (std::size_t at = 0; (at = text.find("\r\n", at)) != std::string::npos; at += 3)
+            text.insert(at, "\r");
+        return text;
+    };
+    folder.Write("P/modMain.bas", doubled(kModule));
+    folder.Write("P/clsItem.cls", doubled(kClass));
+    auto environment = DiskEnvironment::Open({folder.Write("P/P.vbp", doubled(vbpHead))});
+    auto project = environment->VBProjects()->Item(1);
+    const auto klass = project->VBComponents()->Item("clsItem");
+    EXPECT_EQ(klass->CodeModule()->Lines(1, 10),
+              "Option Explicit\r\nPublic Property Get Value() As Long\r\nEnd Property");
+    klass->WriteProperty("QX-TypeName", "Data");
+    project->WriteProperty("Quorlin", "QX-TypeName", ";Data;");
+    environment->Save();
+    EXPECT_EQ(folder.Read("P/clsItem.cls"),
+              doubled("VERSION 1.0 CLASS\r\nBEGIN\r\n  MultiUse = -1  'True\r\nEND\r\n"
+                      "Attribute VB_Name = \"clsItem\"\r\nAttribute VB_Exposed = False\r\n"
+                      "Attribute VB_Ext_KEY = \"QX-TypeName\" ,\"Data\"\r\n"
+                      "Option Explicit\r\nPublic Property Get Value() As Long\r\n"
+                      "Attribute Value.VB_UserMemId = 0\r\nEnd Property\r\n"));
+    EXPECT_EQ(folder.Read("P/P.vbp"), doubled(vbpHead + "[Quorlin]\r\nQX-TypeName=;Data;\r\n"));
+}
+
 TEST_F(DiskSaveTest, WritingTheSameValuesChangesNoFile) {
     auto environment = OpenProject(vbpHead + "[Quorlin]\r\nQX-TypeName=;A;\r\n");
     folder.MakeReadOnly("P/modMain.bas");

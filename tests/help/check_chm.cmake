@@ -1,0 +1,42 @@
+# Checks a compiled Arbolet.chm: an ITSF file whose directory lists every page of the help
+# project, its table of contents and index, and the full-text search it was asked for.
+# Usage: cmake -DCHM=Arbolet.chm -DHHP=Arbolet.hhp -P check_chm.cmake
+if(NOT EXISTS "${CHM}")
+    message(FATAL_ERROR "${CHM} was not built")
+endif()
+file(READ "${CHM}" header LIMIT 4 HEX)
+if(NOT header STREQUAL "49545346")  # "ITSF"
+    message(FATAL_ERROR "${CHM} is not a compiled HTML Help file (no ITSF header)")
+endif()
+
+# The directory chunks hold each entry's name as plain text: "/" followed by the file name.
+file(READ "${CHM}" chm HEX)
+function(expect_entry name)
+    string(HEX "${name}" hexName)
+    string(TOLOWER "${hexName}" hexName)
+    string(FIND "${chm}" "${hexName}" found)
+    if(found EQUAL -1)
+        message(SEND_ERROR "${CHM} lacks ${name}")
+    endif()
+endfunction()
+
+file(STRINGS "${HHP}" lines)
+set(inFiles FALSE)
+set(pages 0)
+foreach(line IN LISTS lines)
+    if(line MATCHES "^\\[FILES\\]")
+        set(inFiles TRUE)
+    elseif(line MATCHES "^\\[")
+        set(inFiles FALSE)
+    elseif(inFiles AND line MATCHES "[^ ]")
+        expect_entry("/${line}")
+        math(EXPR pages "${pages} + 1")
+    endif()
+endforeach()
+if(pages LESS 7)
+    message(SEND_ERROR "the help project lists ${pages} files, fewer than its seven topics")
+endif()
+foreach(entry "/Arbolet.hhc" "/Arbolet.hhk" "/#SYSTEM" "/#TOPICS" "/$FIftiMain")
+    expect_entry("${entry}")
+endforeach()
+message(STATUS "${CHM}: ${pages} files, contents, index and search")
