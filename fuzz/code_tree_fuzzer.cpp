@@ -1,17 +1,19 @@
 // libFuzzer target: any bytes, read as a component file in some code page and analysed under
-// some display options, must give a finite tree without crashing or tripping a sanitizer.
+// some display options, must give a finite tree without crashing or tripping a sanitizer; the
+// VB6 block check of the same bytes must report only lines the file has.
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
 
 #include "analysis/code_tree.h"
+#include "analysis/vb6_blocks.h"
 #include "disk/component_file.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size == 0) return 0;
     using arbolet::analysis::DisplayOptions;
     const std::uint8_t flags = data[0];
-    const DisplayOptions options{(flags & 1) != 0, (flags & 2) != 0, (flags & 4) != 0,
+    const DisplayOptions options{(flags & 1) != 0, (flags & 2) != 0,  (flags & 4) != 0,
                                  (flags & 8) != 0, (flags & 16) != 0, (flags & 32) != 0,
                                  (flags & 64) != 0};
     const std::string_view bytes(reinterpret_cast<const char*>(data + 1), size - 1);
@@ -26,6 +28,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             nodes += line.LineID.empty() ? 0 : 1;
             if (nodes > 4 * tree.arena.size() + 4) __builtin_trap();  // a cycle or a corrupt list
         });
+    }
+    const auto located = arbolet::disk::LocateCode(bytes);
+    const auto findings = arbolet::analysis::vb6::CheckBlocks(bytes.substr(located.codeOffset),
+                                                              located.firstCodeLine + 1);
+    for (const auto& finding : findings) {
+        const auto lines = static_cast<std::int32_t>(located.raw.size());
+        if (finding.line < 1 || finding.line > lines || finding.relatedLine > lines)
+            __builtin_trap();
     }
     return 0;
 }

@@ -1,4 +1,5 @@
 // The arbolet command-line tool's entry point: sets up the terminal and runs one subcommand.
+#include <cstdlib>
 #include <iostream>
 
 #include "cli/cli.h"
@@ -10,7 +11,11 @@ int main(int argc, char** argv) {
     std::vector<const char*> pointers;
     for (const std::string& argument : arguments)
         pointers.push_back(argument.c_str());
+    // The console has ruled out pipes and NO_COLOR; a dumb terminal takes no colour either.
+    const char* term = std::getenv("TERM");
+    const bool colour = arbolet::cli::ColourByDefault(console.Colour(), term, nullptr);
+    const auto depth = arbolet::cli::DepthFromEnvironment(term, std::getenv("COLORTERM"));
     std::ios::sync_with_stdio(false);
     return arbolet::cli::RunArbolet(static_cast<int>(pointers.size()), pointers.data(),
-                                    {std::cout, std::cerr, console.Colour()});
+                                    {std::cout, std::cerr, colour, depth});
 }

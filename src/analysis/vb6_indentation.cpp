@@ -56,10 +56,7 @@ std::vector<std::int32_t> CodeIndentation(std::string_view code) {
         const bool quiet = continued || SaysNothingAboutNesting(TrimBlanks(line));
         indents.push_back(quiet ? -1 : IndentOf(line));
         continued = EndsWithContinuation(line);
-        if (end < code.size() && code[end] == '\r' && end + 1 < code.size() &&
-            code[end + 1] == '\n')
-            ++end;
-        start = end + 1;
+        start = end < code.size() ? end + LineEndLength(code.substr(end)) : end;
     }
     return indents;
 }

@@ -1,6 +1,7 @@
 // Logical lines and statements of VB6 source (see vb6_statements.h).
 #include "analysis/vb6_statements.h"
 
+#include <algorithm>
 #include <array>
 
 namespace arbolet::analysis::vb6 {
@@ -31,8 +32,8 @@ std::string_view LineReader::PhysicalLine() {
     while (p < end && *p != '\r' && *p != '\n')
         ++p;
     const std::string_view line(begin, static_cast<std::size_t>(p - begin));
-    if (p < end && *p == '\r' && p + 1 < end && p[1] == '\n') ++p;
-    position_ = static_cast<std::size_t>(p - source_.data()) + (p < end ? 1 : 0);
+    p += LineEndLength(std::string_view(p, static_cast<std::size_t>(end - p))) - 1;
+    position_ = std::min(static_cast<std::size_t>(p - source_.data()) + 1, source_.size());
     ++physical_;
     return line;
 }
@@ -58,6 +59,12 @@ bool LineReader::Next(LogicalLine& line) {
     line.text = joined_;
     line.lastLine = physical_ - 1;
     return true;
+}
+
+std::size_t LineEndLength(std::string_view rest) {
+    if (rest.starts_with("\r\r\n")) return 3;
+    if (rest.starts_with("\r\n")) return 2;
+    return 1;
 }
 
 bool EndsWithContinuation(std::string_view line) {

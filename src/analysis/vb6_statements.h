@@ -19,7 +19,11 @@ struct LogicalLine {
     std::int32_t lastLine = 0;   // 0-based physical line of its end
 };
 
-// Reads logical lines in order. Line breaks are CRLF, LF or a lone CR.
+// The length of the line end at the start of `rest`: CR CR LF (left by a double conversion) and
+// CRLF are one line end each, like LF and a lone CR.
+std::size_t LineEndLength(std::string_view rest);
+
+// Reads logical lines in order. Line breaks are CRLF, LF, a lone CR, or CR CR LF.
 class LineReader {
   public:
     explicit LineReader(std::string_view source) : source_(source) {}

@@ -25,10 +25,22 @@ void AddCodePageOption(CLI::App& app, CliContext& context) {
         });
 }
 
+// --color always|never overrides what the terminal suggests; auto keeps it.
+void AddColourOption(CLI::App& app, CliContext& context, bool terminalColour) {
+    app.add_option_function<std::string>(
+           "--color",
+           [&context, terminalColour](const std::string& mode) {
+               context.colour = mode == "always" || (mode == "auto" && terminalColour);
+           },
+           "Colours and bold: auto (on a terminal that takes them, NO_COLOR unset, TERM not "
+           "dumb), always or never")
+        ->check(CLI::IsMember({"auto", "always", "never"}));
+}
+
 }  // namespace
 
 int RunArbolet(int argc, const char* const* argv, Terminal terminal) {
-    CliContext context{terminal.out, terminal.err, terminal.colour};
+    CliContext context{terminal.out, terminal.err, terminal.colour, terminal.depth};
     CLI::App app{"Arbolet: logic-flow trees and block checks for Visual Basic 6 projects",
                  "arbolet"};
     app.set_version_flag("--version", kVersion);
@@ -38,6 +50,7 @@ int RunArbolet(int argc, const char* const* argv, Terminal terminal) {
     app.require_subcommand(1);
     app.fallthrough();
     AddCodePageOption(app, context);
+    AddColourOption(app, context, terminal.colour);
     AddCodeCommand(app, context);
     AddCheckCommand(app, context);
     AddTreeCommand(app, context);

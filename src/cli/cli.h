@@ -3,13 +3,17 @@
 
 #include <iosfwd>
 
+#include "cli/terminal_style.h"
+
 namespace arbolet::cli {
 
 struct Terminal {
     std::ostream& out;
     std::ostream& err;
-    // Whether ANSI colours and bold may be written to `out`.
+    // Whether ANSI colours and bold suit `out` unless --color says otherwise.
     bool colour = false;
+    // How many colours the terminal shows, also for --color always.
+    ColourDepth depth = ColourDepth::TrueColour;
 };
 
 // Exit status: 0 success, 1 findings (check) or a refused operation, 2 usage or I/O errors.

@@ -16,6 +16,7 @@ struct CliContext {
     std::ostream& out;
     std::ostream& err;
     bool colour = false;
+    ColourDepth colourDepth = ColourDepth::TrueColour;
     int codePage = disk::kDefaultCodePage;
     int exitCode = kExitSuccess;
 

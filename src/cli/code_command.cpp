@@ -55,7 +55,8 @@ void WriteText(const CliContext& context, const AnalysedComponent& component) {
     out << bold(component.name) << " (" << DisplayPath(component.path) << ")\n";
     analysis::WalkTree(*component.tree.root, [&](const analysis::clsLine& line, int depth) {
         out << std::string(static_cast<std::size_t>(depth) * 2, ' ');
-        const std::string style = context.colour ? AnsiForeground(line.LineColour) : "";
+        const std::string style =
+            context.colour ? AnsiForeground(line.LineColour, context.colourDepth) : "";
         out << style << line.LineContent << (style.empty() ? "" : kAnsiReset) << '\n';
     });
 }

@@ -108,7 +108,7 @@ class TextRenderer final : public TreeRenderer {
         std::string style;
         if (context_.colour && node.Bold()) style = kAnsiBold;
         if (context_.colour && node.ForeColor() != tree::kWindowTextColour)
-            style = AnsiForeground(node.ForeColor());
+            style = AnsiForeground(node.ForeColor(), context_.colourDepth);
         context_.out << std::string(depth * 2, ' ') << style << node.Text()
                      << (style.empty() ? "" : kAnsiReset) << '\n';
     }

@@ -81,6 +81,29 @@ TEST(ComponentFile, BrokenFilesGiveDiagnosticsNotFailures) {
     EXPECT_EQ(huge.diagnostics[0].line, 2);
 }
 
+TEST(ComponentFile, LocatingTheCodeWithoutDecodingAgreesWithTheReader) {
+    const std::string cyrillicModule =
+        "Attribute VB_Name = \"\xCC\xEE\xE4\"\r\nOption Explicit\r\nx = \"\xCF\"\r\n";
+    for (const std::string& bytes :
+         {std::string(kForm), cyrillicModule, std::string("VERSION 5.00\nBegin VB.Form F\n"),
+          std::string("MZ\x90\0\x03\0\0\0\nabc", 11), std::string()}) {
+        const auto located = LocateCode(bytes);
+        const auto parsed = ParseComponentFile(bytes, 1251);
+        EXPECT_EQ(located.firstCodeLine, parsed.attributesEnd);
+        ASSERT_EQ(located.diagnostics.size(), parsed.diagnostics.size());
+        for (std::size_t i = 0; i < located.diagnostics.size(); ++i)
+            EXPECT_EQ(located.diagnostics[i].message, parsed.diagnostics[i].message);
+        const std::string_view code = std::string_view(bytes).substr(located.codeOffset);
+        if (!parsed.codeLines.empty()) {
+            EXPECT_TRUE(code.starts_with(bytes.substr(
+                located.raw[static_cast<std::size_t>(parsed.codeLines[0])].offset, 6)));
+        } else {
+            EXPECT_TRUE(code.empty() || located.firstCodeLine == std::ssize(located.raw));
+        }
+    }
+    EXPECT_EQ(LocateCode(kForm).codeOffset, std::string_view(kForm).find("Option Explicit"));
+}
+
 TEST(ComponentFile, EmptyFile) {
     const auto file = ParseComponentFile("", 1252);
     EXPECT_TRUE(file.lines.empty());
