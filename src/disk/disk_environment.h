@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <set>
 #include <string>
@@ -64,9 +65,10 @@ class DiskEnvironment final : public env::VBE,
     // The files whose bytes differ from what was read.
     std::vector<std::filesystem::path> ChangedFiles() const;
     // Writes every changed file. Before writing anything it checks that each still exists, is
-    // writable and holds what was read; a failure raises FileError and leaves every file as it
-    // was (files already rewritten get their old bytes back).
-    void Save();
+    // writable and holds what was read, and checks each again as it replaces it; a failure
+    // raises FileError and leaves every file as it was (files already rewritten get their old
+    // bytes back). `beforeWrite`, when given, learns of each file just before it is written.
+    void Save(const std::function<void(const std::filesystem::path&)>& beforeWrite = {});
 
   private:
     // Canonical paths of the files that changed.

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <set>
 #include <utility>
 
 #include "base/utf8.h"
@@ -159,11 +160,20 @@ std::shared_ptr<DiskProject> DiskEnvironment::LoadProject(const fs::path& projec
     project->events = events_;
     project->codePage = codePage_;
     ComponentLoader loader(*project, codePage_, warnings_);
+    std::set<fs::path> loaded;
     for (const ComponentEntry& entry : ComponentEntries(project->Text())) {
-        if (auto component = loader.Load(entry)) {
-            component->collection = project->components;
-            project->components->items.push_back(std::move(component));
+        auto component = loader.Load(entry);
+        if (!component) continue;
+        // One file is one component: a second entry for it would make two that overwrite
+        // each other's changes.
+        if (!loaded.insert(Canonical(component->Path())).second) {
+            warnings_.push_back(
+                {shownAs, static_cast<std::int32_t>(entry.line + 1),
+                 "the component file is listed twice; this entry is skipped: " + entry.path});
+            continue;
         }
+        component->collection = project->components;
+        project->components->items.push_back(std::move(component));
     }
     projects_->items.push_back(project);
     env::VBProjectRef added = project;

@@ -104,10 +104,13 @@ void DiskEnvironment::SyncComponents(DiskProject& project, const ChangedSet& cha
     std::vector<std::shared_ptr<DiskComponent>> added;
     std::vector<LoadWarning> ignored;
     ComponentLoader loader(project, codePage_, ignored);
+    std::set<fs::path> listed;
     for (const ComponentEntry& entry : ComponentEntries(project.Text())) {
         const auto resolved = loader.Resolve(entry);
         if (!resolved) continue;
-        const auto existing = byPath.find(Canonical(*resolved));
+        const fs::path canonical = Canonical(*resolved);
+        if (!listed.insert(canonical).second) continue;  // a file listed twice is one component
+        const auto existing = byPath.find(canonical);
         if (existing != byPath.end()) {
             kept.push_back(existing->second);
         } else if (auto component = loader.Load(entry)) {

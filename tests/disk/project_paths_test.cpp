@@ -92,5 +92,17 @@ TEST_F(ProjectPaths, AddingFromTheWorkingFolderWritesThePathRelativeToTheProject
               "Module=modMore; ..\\lib\\modMore.bas\r\n");
 }
 
+TEST_F(ProjectPaths, AFileListedTwiceIsOneComponent) {
+    const auto vbp = folder.Write(
+        "Twice.vbp",
+        "Module=modFoo; Modules\\Foo.bas\r\nModule=modFoo; MODULES\\foo.bas\r\nName=\"T\"\r\n");
+    const auto environment = DiskEnvironment::Open({vbp});
+    EXPECT_EQ(ComponentNames(*environment->VBProjects()->Item(1)),
+              std::vector<std::string>{"modFoo"});
+    ASSERT_EQ(environment->Warnings().size(), 1u);
+    EXPECT_EQ(environment->Warnings()[0].line, 2);
+    EXPECT_NE(environment->Warnings()[0].message.find("listed twice"), std::string::npos);
+}
+
 }  // namespace
 }  // namespace arbolet::disk
