@@ -35,6 +35,11 @@ bool HasPropertyStoreByDefault(ComponentType type) {
 class MemoryProject::Components final : public ComponentList<MemoryComponent> {
   public:
     using ComponentList::ComponentList;
+    void Remove(const VBComponentRef& component) override {
+        const auto project = std::dynamic_pointer_cast<MemoryProject>(Parent());
+        if (!project) env::enverr::RaiseObjectNotSet("VBComponents.Remove");
+        project->RemoveComponent(component);
+    }
 };
 
 class MemoryProjects final : public ProjectList<MemoryProject> {};

@@ -112,6 +112,8 @@ class VBComponents {
     // Adds a component file to the project and raises ItemAdded; raises kFileAlreadyInProject
     // for a file the project holds, and other errors for files it cannot add.
     virtual VBComponentRef AddFile(std::string_view fileName);
+    // Takes the component out of the project (its files stay) and raises ItemRemoved.
+    virtual void Remove(const VBComponentRef& component);
 };
 
 class VBProject {
@@ -188,6 +190,10 @@ class VBE {
     // The project the environment's commands act on; nullptr when no project is open.
     virtual VBProjectRef ActiveVBProject() const = 0;
     virtual void SetActiveVBProject(const VBProjectRef& project) = 0;
+    // The component the environment's commands act on (the project window's selection);
+    // nullptr when none is. Environments without a selection ignore the setting.
+    virtual VBComponentRef SelectedVBComponent() const { return nullptr; }
+    virtual void SetSelectedVBComponent(const VBComponentRef& /*component*/) {}
     virtual std::shared_ptr<env::Events> Events() const = 0;
     // nullptr where there are no menus and toolbars (projects opened from disk).
     virtual std::shared_ptr<env::CommandBars> CommandBars() const = 0;
