@@ -5,6 +5,7 @@
 #include "cli/commands.h"
 #include "cli/component_analysis.h"
 #include "cli/display_flags.h"
+#include "cli/indentation.h"
 #include "cli/json_writer.h"
 #include "cli/terminal_style.h"
 
@@ -53,7 +54,7 @@ void WriteText(const CliContext& context, const AnalysedComponent& component) {
     };
     out << bold(component.name) << " (" << DisplayPath(component.path) << ")\n";
     analysis::WalkTree(*component.tree.root, [&](const analysis::clsLine& line, int depth) {
-        out << std::string(static_cast<std::size_t>(depth) * 2, ' ');
+        out << Indentation(static_cast<std::size_t>(depth));
         const std::string style = context.colour ? AnsiForeground(line.LineColour) : "";
         out << style << line.LineContent << (style.empty() ? "" : kAnsiReset) << '\n';
     });

@@ -9,6 +9,7 @@
 #include "cli/cli_context.h"
 #include "cli/commands.h"
 #include "cli/display_flags.h"
+#include "cli/indentation.h"
 #include "cli/json_writer.h"
 #include "cli/project_loading.h"
 #include "cli/terminal_style.h"
@@ -109,7 +110,7 @@ class TextRenderer final : public TreeRenderer {
         if (context_.colour && node.Bold()) style = kAnsiBold;
         if (context_.colour && node.ForeColor() != tree::kWindowTextColour)
             style = AnsiForeground(node.ForeColor());
-        context_.out << std::string(depth * 2, ' ') << style << node.Text()
+        context_.out << Indentation(depth) << style << node.Text()
                      << (style.empty() ? "" : kAnsiReset) << '\n';
     }
     void Leave(const tree::Node&) override {}
