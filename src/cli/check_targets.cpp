@@ -2,81 +2,160 @@
 #include "cli/check_targets.h"
 
 #include <algorithm>
+#include <set>
 
 #include "base/utf8.h"
 #include "cli/cli_context.h"
+#include "cli/path_glob.h"
 #include "cli/project_loading.h"
 #include "disk/component_file.h"
+#include "disk/disk_environment.h"
+#include "disk/file_io.h"
 #include "disk/vb_path.h"
 
 namespace arbolet::cli {
 namespace fs = std::filesystem;
 namespace {
 
-void AddFolder(const fs::path& folder, std::vector<fs::path>& files, CliContext& context) {
-    std::error_code ec;
-    std::vector<fs::path> found;
-    auto it =
-        fs::recursive_directory_iterator(folder, fs::directory_options::skip_permission_denied, ec);
-    for (; !ec && it != fs::recursive_directory_iterator(); it.increment(ec)) {
-        if (it->is_regular_file(ec) && disk::IsComponentFileName(it->path().filename().string())) {
-            found.push_back(it->path());
+class Collector {
+  public:
+    Collector(const std::vector<std::string>& exclusions, CliContext& context)
+        : exclusions_(exclusions), context_(context) {}
+
+    void Add(const std::string& text) {
+        const fs::path path = disk::PathFromUtf8(text);
+        std::error_code ec;
+        if (fs::is_directory(path, ec)) {
+            AddFolder(path);
+        } else if (IsProjectOrGroup(path)) {
+            AddProjects(text);
+        } else if (!fs::exists(path, ec)) {
+            Problem(
+                MakeFinding(Shown(path), 0, "error", kUnreadableFile, "no such file or folder"));
+            targets_.problems.unreadable = true;
+        } else {
+            AddFile(path);
         }
     }
-    if (ec) {
-        context.err << "arbolet: " << folder.generic_string() << ": " << ec.message() << '\n';
-        context.Fail(kExitUsage);
+
+    CheckTargets Take() { return std::move(targets_); }
+
+  private:
+    static bool IsProjectOrGroup(const fs::path& path) {
+        const std::string extension = text::ToLower(disk::PathToUtf8(path.extension()));
+        return extension == ".vbp" || extension == ".vbg";
     }
-    std::sort(found.begin(), found.end());
-    files.insert(files.end(), found.begin(), found.end());
-}
 
-bool IsProjectOrGroup(const fs::path& path) {
-    const std::string extension = text::ToLower(disk::PathToUtf8(path.extension()));
-    return extension == ".vbp" || extension == ".vbg";
-}
+    static std::string Shown(const fs::path& path) {
+        return disk::PathToUtf8(path.generic_u8string());
+    }
 
-// The code components a project or group lists, in its order. Missing components are warned
-// about while loading; a project that cannot be opened sets the usage/I-O exit status.
-void AddProjectComponents(const std::string& project, std::vector<fs::path>& files,
-                          CliContext& context) {
-    const auto environment = OpenProjects({project}, context);
-    if (!environment) return;
-    const auto projects = environment->VBProjects();
-    for (std::int32_t p = 1; p <= projects->Count(); ++p) {
-        const auto components = projects->Item(p)->VBComponents();
-        for (std::int32_t c = 1; c <= components->Count(); ++c) {
-            const auto component = components->Item(c);
-            const auto type = component->Type();
-            if (type == env::ComponentType::ResFile ||
-                type == env::ComponentType::RelatedDocument) {
-                continue;
+    bool Excluded(const std::string& shown) const {
+        return std::any_of(exclusions_.begin(), exclusions_.end(),
+                           [&](const std::string& glob) { return PathMatchesGlob(shown, glob); });
+    }
+
+    void AddFile(const fs::path& path, std::string shown = {}) {
+        if (shown.empty()) shown = Shown(path);
+        if (Excluded(shown)) return;
+        std::error_code ec;
+        fs::path identity = fs::weakly_canonical(path, ec);
+        if (ec) identity = fs::absolute(path, ec).lexically_normal();
+        if (!seen_.insert(identity).second) return;
+        targets_.files.push_back({path, std::move(shown)});
+    }
+
+    void Problem(Finding finding) {
+        finding.fingerprint = Fingerprint(finding.message);
+        targets_.problems.findings.push_back(std::move(finding));
+    }
+
+    void Unreadable(const fs::path& folder, const std::error_code& error) {
+        ++targets_.missing;
+        Problem(MakeFinding(Shown(folder), 0, "warning", kUnreadableFolder,
+                            "the folder cannot be read: " + error.message()));
+    }
+
+    // Folders are walked one level at a time so that a folder that cannot be read is reported
+    // and the walk goes on. Symbolic links to folders are not followed, so a link cycle ends.
+    void AddFolder(const fs::path& root) {
+        std::vector<fs::path> folders{root};
+        while (!folders.empty()) {
+            const fs::path folder = folders.back();
+            folders.pop_back();
+            std::error_code ec;
+            std::vector<fs::path> files;
+            std::vector<fs::path> below;
+            fs::directory_iterator it(folder, ec);
+            for (; !ec && it != fs::directory_iterator(); it.increment(ec)) {
+                std::error_code kind;
+                const fs::path& entry = it->path();
+                if (it->is_directory(kind) && !it->is_symlink(kind)) {
+                    if (!Excluded(Shown(entry) + '/')) below.push_back(entry);
+                } else if (it->is_regular_file(kind) &&
+                           disk::IsComponentFileName(disk::PathToUtf8(entry.filename()))) {
+                    files.push_back(entry);
+                }
             }
-            files.push_back(
-                disk::PathFromUtf8(ShownPath(disk::PathFromUtf8(component->FileNames(1)))));
+            if (ec) Unreadable(folder, ec);
+            std::sort(files.begin(), files.end());
+            for (const auto& file : files)
+                AddFile(file);
+            // Depth first, in name order.
+            std::sort(below.begin(), below.end(), std::greater<>());
+            folders.insert(folders.end(), below.begin(), below.end());
         }
     }
-}
+
+    void AddProjects(const std::string& text) {
+        std::shared_ptr<disk::DiskEnvironment> environment;
+        try {
+            environment =
+                disk::DiskEnvironment::Open({disk::PathFromUtf8(text)}, context_.codePage);
+        } catch (const disk::FileError& error) {
+            Problem(MakeFinding(text, 0, "error", kUnreadableFile, error.what()));
+            targets_.problems.unreadable = true;
+            return;
+        }
+        for (const auto& warning : environment->Warnings()) {
+            const bool missing = warning.message.find("not found") != std::string::npos;
+            const bool unreadable = warning.message.find("cannot be read") != std::string::npos;
+            targets_.missing += missing || unreadable ? 1 : 0;
+            const std::string_view rule = missing      ? kMissingFile
+                                          : unreadable ? kUnreadableFile
+                                                       : kProjectFile;
+            Problem(MakeFinding(warning.file, warning.line, "warning", rule, warning.message));
+        }
+        const auto projects = environment->VBProjects();
+        for (std::int32_t p = 1; p <= projects->Count(); ++p) {
+            const auto components = projects->Item(p)->VBComponents();
+            for (std::int32_t c = 1; c <= components->Count(); ++c) {
+                const auto component = components->Item(c);
+                const auto type = component->Type();
+                if (type == env::ComponentType::ResFile ||
+                    type == env::ComponentType::RelatedDocument) {
+                    continue;
+                }
+                const fs::path file = disk::PathFromUtf8(component->FileNames(1));
+                AddFile(file, ShownPath(file));
+            }
+        }
+    }
+
+    const std::vector<std::string>& exclusions_;
+    CliContext& context_;
+    CheckTargets targets_;
+    std::set<fs::path> seen_;
+};
 
 }  // namespace
 
-std::vector<fs::path> CollectCheckTargets(const std::vector<std::string>& paths,
-                                          CliContext& context) {
-    std::vector<fs::path> files;
-    for (const auto& text : paths) {
-        const fs::path path(text);
-        std::error_code ec;
-        if (fs::is_directory(path, ec)) {
-            AddFolder(path, files, context);
-        } else if (IsProjectOrGroup(path)) {
-            AddProjectComponents(text, files, context);
-        } else {
-            // Files, existing or not, are checked as given: a missing one is reported as
-            // unreadable.
-            files.push_back(path);
-        }
-    }
-    return files;
+CheckTargets CollectCheckTargets(const std::vector<std::string>& paths,
+                                 const std::vector<std::string>& exclusions, CliContext& context) {
+    Collector collector(exclusions, context);
+    for (const auto& path : paths)
+        collector.Add(path);
+    return collector.Take();
 }
 
 }  // namespace arbolet::cli

@@ -5,15 +5,30 @@
 #include <string>
 #include <vector>
 
+#include "cli/check_findings.h"
+
 namespace arbolet::cli {
 
 struct CliContext;
 
+struct CheckTarget {
+    std::filesystem::path path;
+    std::string shown;  // as the user should see it
+};
+
+struct CheckTargets {
+    std::vector<CheckTarget> files;
+    // Missing components, unreadable folders and project warnings, as findings.
+    FileResult problems;
+    std::size_t missing = 0;  // missing or unreadable files and folders among the problems
+};
+
 // Expands each path: a folder to the component files below it (recursively, in a stable order),
-// a .vbp project or .vbg group to the code components it lists, any other file to itself. A path
-// that does not exist is reported on the error stream and sets the usage/I-O exit status; the
-// other paths are still checked.
-std::vector<std::filesystem::path> CollectCheckTargets(const std::vector<std::string>& paths,
-                                                       CliContext& context);
+// a .vbp project or .vbg group to the code components it lists, any other file to itself. A file
+// reached twice (a module shared by two projects) is checked once; paths matching an exclusion
+// glob are left out. A path that does not exist is reported on the error stream and sets the
+// usage/I-O exit status; the other paths are still checked.
+CheckTargets CollectCheckTargets(const std::vector<std::string>& paths,
+                                 const std::vector<std::string>& exclusions, CliContext& context);
 
 }  // namespace arbolet::cli

@@ -50,8 +50,10 @@ std::optional<std::string> VbNameOf(std::string_view line) {
 }
 
 // Skips the `Begin` ... `End` designer or class block, nested blocks and property groups
-// included. Returns the index of the first line after it.
-std::size_t SkipDesignerBlock(const std::vector<std::string>& lines, std::size_t first,
+// included. Returns the index of the first line after it. `Lines` holds the file's lines, decoded
+// or not: the header's keywords are ASCII in every code page.
+template <typename Lines>
+std::size_t SkipDesignerBlock(const Lines& lines, std::size_t first,
                               std::vector<FileDiagnostic>& diagnostics) {
     int depth = 0;
     for (std::size_t i = first; i < lines.size(); ++i) {
@@ -66,8 +68,8 @@ std::size_t SkipDesignerBlock(const std::vector<std::string>& lines, std::size_t
     return lines.size();
 }
 
-std::size_t SkipHeader(const ComponentFile& file, std::vector<FileDiagnostic>& diagnostics) {
-    const auto& lines = file.lines;
+template <typename Lines>
+std::size_t SkipHeader(const Lines& lines, std::vector<FileDiagnostic>& diagnostics) {
     std::size_t i = 0;
     if (i < lines.size() && TokenIs(lines[i], "version")) ++i;
     while (i < lines.size() && TokenIs(lines[i], "object"))
@@ -76,6 +78,17 @@ std::size_t SkipHeader(const ComponentFile& file, std::vector<FileDiagnostic>& d
         i = SkipDesignerBlock(lines, i, diagnostics);
     return i;
 }
+
+// The raw lines of a file as views of its bytes, without decoding them.
+struct RawLineViews {
+    std::string_view bytes;
+    const std::vector<RawLine>& raw;
+
+    std::size_t size() const { return raw.size(); }
+    std::string_view operator[](std::size_t i) const {
+        return bytes.substr(raw[i].offset, raw[i].length);
+    }
+};
 
 void CheckBytes(std::string_view bytes, const std::vector<RawLine>& raw,
                 std::vector<FileDiagnostic>& diagnostics) {
@@ -151,7 +164,7 @@ ComponentFile ParseComponentFile(std::string_view bytes, int codePage) {
     }
     file.lines.resize(file.raw.size());
 
-    std::size_t i = SkipHeader(file, file.diagnostics);
+    std::size_t i = SkipHeader(file.lines, file.diagnostics);
     file.attributesBegin = static_cast<std::int32_t>(i);
     for (; i < file.lines.size() && IsAttributeLine(file.lines[i]); ++i) {
         if (auto name = VbNameOf(file.lines[i])) file.name = std::move(*name);
@@ -162,6 +175,19 @@ ComponentFile ParseComponentFile(std::string_view bytes, int codePage) {
             file.codeLines.push_back(static_cast<std::int32_t>(i));
     }
     return file;
+}
+
+CodeLocation LocateCode(std::string_view bytes) {
+    CodeLocation location;
+    location.raw = SplitRawLines(bytes);
+    CheckBytes(bytes, location.raw, location.diagnostics);
+    const RawLineViews lines{bytes, location.raw};
+    std::size_t i = SkipHeader(lines, location.diagnostics);
+    while (i < lines.size() && IsAttributeLine(lines[i]))
+        ++i;
+    location.firstCodeLine = static_cast<std::int32_t>(i);
+    location.codeOffset = i < lines.size() ? location.raw[i].offset : bytes.size();
+    return location;
 }
 
 bool IsComponentFileName(std::string_view fileName) {

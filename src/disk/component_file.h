@@ -58,6 +58,17 @@ struct ComponentFile {
 // Parses a component file's bytes in the given code page.
 ComponentFile ParseComponentFile(std::string_view bytes, int codePage);
 
+// Where the code of a component file begins, found without decoding the file: the lines after
+// the designer header and the module attributes (member attributes stay in the code).
+struct CodeLocation {
+    std::vector<RawLine> raw;
+    std::int32_t firstCodeLine = 0;  // 0-based file line
+    std::size_t codeOffset = 0;      // of that line's first byte
+    std::vector<FileDiagnostic> diagnostics;
+};
+
+CodeLocation LocateCode(std::string_view bytes);
+
 // Whether a path names a component file kind that holds code, by its extension (any case).
 bool IsComponentFileName(std::string_view fileName);
 

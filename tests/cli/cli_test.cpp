@@ -81,12 +81,13 @@ TEST_F(CommandLine, CheckReportsCompilerStyleInLineOrderWithExitStatusOne) {
     const auto path = Write("sub/broken.bas", kBroken);
     Write("sub/clean.cls", "Sub A()\r\nEnd Sub\r\n");
     Write("sub/notes.txt", "End If\r\n");
-    const CliRun run = Arbolet({"check", folderPath_.string()});
+    const CliRun run = Arbolet({"check", "--rules", "window", folderPath_.string()});
     EXPECT_EQ(run.status, 1);
     const std::string shown = fs::path(path).generic_string();
-    const std::string expected = shown + ":3: error: ERROR - NO end sub\n" + shown +
-                                 ":4: error: ERROR - NO end if\n" + shown +
-                                 ":5: error: NO START sub\n" + shown + ":7: error: NO START if\n";
+    const std::string expected = shown + ":3: error: ERROR - NO end sub [unclosed-block]\n" +
+                                 shown + ":4: error: ERROR - NO end if [unclosed-block]\n" +
+                                 shown + ":5: error: NO START sub [unmatched-end]\n" + shown +
+                                 ":7: error: NO START if [unmatched-end]\n";
     EXPECT_EQ(run.out.substr(0, expected.size()), expected);
     EXPECT_NE(run.out.find("arbolet: 4 errors in 1 file (2 files checked)"), std::string::npos)
         << run.out;
@@ -102,7 +103,7 @@ TEST_F(CommandLine, CheckOfCleanCodeExitsZero) {
 TEST_F(CommandLine, UnreadableFileIsNamedAndOthersAreStillChecked) {
     const auto broken = Write("broken.bas", kBroken);
     const auto missing = (folderPath_ / "missing.bas").string();
-    const CliRun run = Arbolet({"check", missing, broken});
+    const CliRun run = Arbolet({"check", "--rules", "window", missing, broken});
     EXPECT_EQ(run.status, 2);
     EXPECT_NE(run.out.find("missing.bas: error:"), std::string::npos) << run.out;
     EXPECT_NE(run.out.find("broken.bas:5: error: NO START sub"), std::string::npos) << run.out;
@@ -110,7 +111,7 @@ TEST_F(CommandLine, UnreadableFileIsNamedAndOthersAreStillChecked) {
 
 TEST_F(CommandLine, SarifNamesRulesAndLocations) {
     const auto path = Write("my file.bas", kBroken);
-    const CliRun run = Arbolet({"check", "--format", "sarif", path});
+    const CliRun run = Arbolet({"check", "--rules", "window", "--format", "sarif", path});
     EXPECT_EQ(run.status, 1);
     const auto doc = nlohmann::json::parse(run.out);
     EXPECT_EQ(doc.at("version"), "2.1.0");
@@ -130,7 +131,7 @@ TEST_F(CommandLine, SarifNamesRulesAndLocations) {
 
 TEST_F(CommandLine, CheckJsonCountsFindings) {
     const auto path = Write("broken.bas", kBroken);
-    const CliRun run = Arbolet({"check", "--format", "json", path});
+    const CliRun run = Arbolet({"check", "--rules", "window", "--format", "json", path});
     const auto doc = nlohmann::json::parse(run.out);
     EXPECT_EQ(doc.at("errors"), 4);
     EXPECT_EQ(doc.at("diagnostics").at(0).at("line"), 3);
