@@ -1,6 +1,7 @@
 // `arbolet code`: the logic-flow tree of each component file, as indented text or JSON.
 #include <CLI/CLI.hpp>
 
+#include "cli/check_targets.h"
 #include "cli/cli_context.h"
 #include "cli/commands.h"
 #include "cli/component_analysis.h"
@@ -8,6 +9,7 @@
 #include "cli/indentation.h"
 #include "cli/json_writer.h"
 #include "cli/terminal_style.h"
+#include "disk/vb_path.h"
 
 namespace arbolet::cli {
 namespace {
@@ -73,6 +75,26 @@ void ReportFileProblems(CliContext& context, const AnalysedComponent& component)
     }
 }
 
+// The component files the paths name, as `check` takes them (folders, projects, groups); a
+// file of another kind is refused with a message, so that no project or text file is printed
+// as if it were code.
+std::vector<std::filesystem::path> ComponentFiles(CliContext& context,
+                                                  const std::vector<std::string>& paths) {
+    std::vector<std::filesystem::path> files;
+    const CheckTargets targets = CollectCheckTargets(paths, {}, context);
+    for (const auto& target : targets.files) {
+        if (disk::IsComponentFileName(disk::PathToUtf8(target.path.filename()))) {
+            files.push_back(disk::PathFromUtf8(target.shown));  // as the user should see it
+            continue;
+        }
+        context.err << "arbolet: " << target.shown
+                    << ": not a component file (.bas .cls .frm .ctl .pag .dob .dsr), a .vbp "
+                       "project, a .vbg group or a folder\n";
+        context.Fail(kExitUsage);
+    }
+    return files;
+}
+
 void RunCode(CliContext& context, const CodeOptions& options) {
     std::optional<JsonWriter> json;
     if (options.format == "json") {
@@ -81,10 +103,13 @@ void RunCode(CliContext& context, const CodeOptions& options) {
         json->Key("components");
         json->BeginArray();
     }
-    for (const auto& file : options.files) {
+    for (const auto& file : ComponentFiles(context, options.files)) {
         const auto component = AnalyseComponentFile(file, context.codePage, options.display);
         ReportFileProblems(context, component);
-        if (component.readError) continue;
+        if (component.readError || component.file.binary) {
+            context.Fail(kExitUsage);
+            continue;
+        }
         if (!json) {
             WriteText(context, component);
             continue;
@@ -111,8 +136,9 @@ void AddCodeCommand(CLI::App& app, CliContext& context) {
     auto options = std::make_shared<CodeOptions>();
     CLI::App* command = app.add_subcommand("code", "Print the logic-flow tree of component files");
     command
-        ->add_option("files", options->files,
-                     "Component files (.bas .cls .frm .ctl .pag .dob .dsr)")
+        ->add_option("paths", options->files,
+                     "Component files (.bas .cls .frm .ctl .pag .dob .dsr), folders (searched "
+                     "recursively), .vbp projects and .vbg groups")
         ->required();
     command->add_option("--format", options->format, "Output format")
         ->check(CLI::IsMember({"text", "json"}));
