@@ -86,12 +86,21 @@ class DiskEnvironment final : public env::VBE,
     void SyncComponents(DiskProject& project, const ChangedSet& changed);
     void ReloadComponent(DiskProject& project, const std::shared_ptr<DiskComponent>& component);
     void CloseProject(const std::shared_ptr<DiskProject>& project);
+    void ReloadGroup(std::size_t group);
+
+    // A group file opened, with the canonical paths of the project files it listed.
+    struct OpenedGroup {
+        std::filesystem::path path;
+        std::string bytes;
+        std::vector<std::filesystem::path> members;
+    };
 
     int codePage_;
     std::shared_ptr<DiskProjects> projects_;
     std::shared_ptr<env::EventHub> events_;
     std::weak_ptr<env::VBProject> active_;
     std::vector<LoadWarning> warnings_;
+    std::vector<OpenedGroup> groups_;
 };
 
 }  // namespace arbolet::disk

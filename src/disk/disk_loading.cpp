@@ -182,7 +182,8 @@ std::shared_ptr<DiskProject> DiskEnvironment::LoadProject(const fs::path& projec
 }
 
 void DiskEnvironment::OpenGroup(const fs::path& groupFile) {
-    const GroupFile group = ParseGroupFile(ReadFileBytes(groupFile), codePage_);
+    std::string bytes = ReadFileBytes(groupFile);
+    const GroupFile group = ParseGroupFile(bytes, codePage_);
     if (!group.IsGroup()) {
         const auto& diagnostic = group.diagnostics.front();
         throw FileError(groupFile, diagnostic.line > 0 ? "line " + std::to_string(diagnostic.line) +
@@ -190,6 +191,7 @@ void DiskEnvironment::OpenGroup(const fs::path& groupFile) {
                                                        : diagnostic.message);
     }
     const std::string groupShown = PathToUtf8(groupFile.generic_u8string());
+    OpenedGroup opened{AbsolutePath(groupFile), std::move(bytes), {}};
     for (const GroupMember& member : group.projects) {
         const auto line = static_cast<std::int32_t>(member.line + 1);
         const auto resolved = ResolveVbPath(AbsolutePath(groupFile).parent_path(), member.path);
@@ -197,6 +199,7 @@ void DiskEnvironment::OpenGroup(const fs::path& groupFile) {
             warnings_.push_back({groupShown, line, "project file not found: " + member.path});
             continue;
         }
+        opened.members.push_back(Canonical(*resolved));
         try {
             auto project = LoadProject(*resolved, ShownBeside(groupShown, member.path));
             if (project && member.startup && projects_->start.expired()) {
@@ -206,6 +209,7 @@ void DiskEnvironment::OpenGroup(const fs::path& groupFile) {
             warnings_.push_back({groupShown, line, error.what()});
         }
     }
+    groups_.push_back(std::move(opened));
 }
 
 }  // namespace arbolet::disk
