@@ -99,31 +99,6 @@ KeyCharacters LowerCase(MutableText text) {
 
 }  // namespace
 
-std::vector<std::string_view> SplitCodeLines(std::string_view text) {
-    std::vector<std::string_view> lines;
-    if (text.empty()) return lines;
-    std::size_t start = 0;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] != '\r' && text[i] != '\n') continue;
-        lines.push_back(text.substr(start, i - start));
-        if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') ++i;
-        start = i + 1;
-    }
-    lines.push_back(text.substr(start));
-    return lines;
-}
-
-std::string NormaliseBlanks(std::string_view line) {
-    std::string out;
-    out.reserve(line.size());
-    for (char c : line) {
-        if (c == '\t') c = ' ';
-        if (c == ' ' && !out.empty() && out.back() == ' ') continue;
-        out += c;
-    }
-    return out;
-}
-
 // Builds the key text in place over a copy of the trimmed line; returns its length (shorter than
 // the line when a trailing comment is cut off).
 std::size_t MakeKeyTextInPlace(char* data, std::size_t length) {

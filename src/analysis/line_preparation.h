@@ -16,12 +16,6 @@
 
 namespace arbolet::analysis {
 
-// Splits code text at line breaks (CRLF, LF or a lone CR).
-std::vector<std::string_view> SplitCodeLines(std::string_view text);
-
-// Tabs become blanks and every run of blanks becomes one blank.
-std::string NormaliseBlanks(std::string_view line);
-
 // The key text of a trimmed line: lower case, with `""` pairs, string literals, a trailing
 // comment, a leading line number and `:=` blanked or cut. Byte positions stay aligned with the
 // line, so a position found in the key text is valid in the line.

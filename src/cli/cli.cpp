@@ -2,6 +2,9 @@
 #include "cli/cli.h"
 
 #include <CLI/CLI.hpp>
+#include <optional>
+#include <string>
+#include <string_view>
 
 #include "arbolet/version.h"
 
@@ -37,6 +40,25 @@ void AddColourOption(CLI::App& app, CliContext& context, bool terminalColour) {
         ->check(CLI::IsMember({"auto", "always", "never"}));
 }
 
+// The first word that is no option when it names no subcommand: the parser would only say that
+// a subcommand is required.
+std::optional<std::string> UnknownSubcommand(const CLI::App& app, int argc,
+                                             const char* const* argv) {
+    for (int i = 1; i < argc; ++i) {
+        const std::string_view word = argv[i];
+        if (word == "--codepage" || word == "--color") {
+            ++i;  // its value
+            continue;
+        }
+        if (word.starts_with("-")) continue;
+        for (const CLI::App* command : app.get_subcommands({})) {
+            if (command->get_name() == word) return std::nullopt;
+        }
+        return std::string(word);
+    }
+    return std::nullopt;
+}
+
 }  // namespace
 
 int RunArbolet(int argc, const char* const* argv, Terminal terminal) {
@@ -58,6 +80,16 @@ int RunArbolet(int argc, const char* const* argv, Terminal terminal) {
     AddRenameCommand(app, context);
     AddAddCommand(app, context);
     AddComponentCommands(app, context);
+    if (const auto unknown = UnknownSubcommand(app, argc, argv)) {
+        terminal.err << "arbolet: unknown subcommand '" << *unknown << "'; the subcommands are";
+        const char* separator = " ";
+        for (const CLI::App* command : app.get_subcommands({})) {
+            terminal.err << separator << command->get_name();
+            separator = ", ";
+        }
+        terminal.err << " (arbolet --help tells more)\n";
+        return kExitUsage;
+    }
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

@@ -1,10 +1,12 @@
 // `arbolet code`: the logic-flow tree of each component file, as indented text or JSON.
 #include <CLI/CLI.hpp>
 
+#include "cli/check_targets.h"
 #include "cli/cli_context.h"
 #include "cli/commands.h"
 #include "cli/component_analysis.h"
 #include "cli/display_flags.h"
+#include "cli/indentation.h"
 #include "cli/json_writer.h"
 #include "cli/terminal_style.h"
 #include "disk/vb_path.h"
@@ -54,7 +56,7 @@ void WriteText(const CliContext& context, const AnalysedComponent& component) {
     };
     out << bold(component.name) << " (" << DisplayPath(component.path) << ")\n";
     analysis::WalkTree(*component.tree.root, [&](const analysis::clsLine& line, int depth) {
-        out << std::string(static_cast<std::size_t>(depth) * 2, ' ');
+        out << Indentation(static_cast<std::size_t>(depth));
         const std::string style =
             context.colour ? AnsiForeground(line.LineColour, context.colourDepth) : "";
         out << style << line.LineContent << (style.empty() ? "" : kAnsiReset) << '\n';
@@ -74,6 +76,26 @@ void ReportFileProblems(CliContext& context, const AnalysedComponent& component)
     }
 }
 
+// The component files the paths name, as `check` takes them (folders, projects, groups); a
+// file of another kind is refused with a message, so that no project or text file is printed
+// as if it were code.
+std::vector<std::filesystem::path> ComponentFiles(CliContext& context,
+                                                  const std::vector<std::string>& paths) {
+    std::vector<std::filesystem::path> files;
+    const CheckTargets targets = CollectCheckTargets(paths, {}, context);
+    for (const auto& target : targets.files) {
+        if (disk::IsComponentFileName(disk::PathToUtf8(target.path.filename()))) {
+            files.push_back(disk::PathFromUtf8(target.shown));  // as the user should see it
+            continue;
+        }
+        context.err << "arbolet: " << target.shown
+                    << ": not a component file (.bas .cls .frm .ctl .pag .dob .dsr), a .vbp "
+                       "project, a .vbg group or a folder\n";
+        context.Fail(kExitUsage);
+    }
+    return files;
+}
+
 void RunCode(CliContext& context, const CodeOptions& options) {
     std::optional<JsonWriter> json;
     if (options.format == "json") {
@@ -82,11 +104,13 @@ void RunCode(CliContext& context, const CodeOptions& options) {
         json->Key("components");
         json->BeginArray();
     }
-    for (const auto& file : options.files) {
-        const auto component =
-            AnalyseComponentFile(disk::PathFromUtf8(file), context.codePage, options.display);
+    for (const auto& file : ComponentFiles(context, options.files)) {
+        const auto component = AnalyseComponentFile(file, context.codePage, options.display);
         ReportFileProblems(context, component);
-        if (component.readError) continue;
+        if (component.readError || component.file.binary) {
+            context.Fail(kExitUsage);
+            continue;
+        }
         if (!json) {
             WriteText(context, component);
             continue;
@@ -113,8 +137,9 @@ void AddCodeCommand(CLI::App& app, CliContext& context) {
     auto options = std::make_shared<CodeOptions>();
     CLI::App* command = app.add_subcommand("code", "Print the logic-flow tree of component files");
     command
-        ->add_option("files", options->files,
-                     "Component files (.bas .cls .frm .ctl .pag .dob .dsr)")
+        ->add_option("paths", options->files,
+                     "Component files (.bas .cls .frm .ctl .pag .dob .dsr), folders (searched "
+                     "recursively), .vbp projects and .vbg groups")
         ->required();
     command->add_option("--format", options->format, "Output format")
         ->check(CLI::IsMember({"text", "json"}));

@@ -20,6 +20,7 @@ struct FoldersOptions {
     std::string component;  // move
     std::string folder;     // move
     std::string newName;    // rename
+    bool create = false;    // move: a new folder may be made
     CLI::App* add = nullptr;
     CLI::App* rename = nullptr;
     CLI::App* remove = nullptr;
@@ -75,6 +76,31 @@ bool RefuseInvalidName(CliContext& context, LoadedTree& loaded, const std::strin
     return true;
 }
 
+// Whether the tree shows a folder of that name (ignoring case): a custom folder or a fixed group.
+bool IsShownFolder(LoadedTree& loaded, const env::VBProject& project, std::string_view name) {
+    const tree::NodeRef projectNode =
+        loaded.view.Nodes().Item(explorer::ProjectKey(project.Name()));
+    for (tree::NodeRef folder = projectNode->Child(); folder; folder = folder->Next()) {
+        if (text::ToLower(folder->Text()) == text::ToLower(name)) return true;
+    }
+    return false;
+}
+
+// A move to a folder that does not exist is most likely a typing mistake; it makes a new folder
+// only when asked to.
+bool RefuseUnknownTarget(CliContext& context, LoadedTree& loaded, const env::VBProject& project,
+                         const FoldersOptions& options) {
+    if (options.create || options.folder.empty() || explorer::IsFixedGroupName(options.folder) ||
+        CustomFolders(project).contains(text::ToLower(options.folder)) ||
+        IsShownFolder(loaded, project, options.folder)) {
+        return false;
+    }
+    context.err << "arbolet: " << project.Name() << " has no folder named '" << options.folder
+                << "'; give --create to make it\n";
+    context.Fail(kExitFindings);
+    return true;
+}
+
 // Renames the folder as an edit of its caption in the tree would; a fixed group's components
 // move into a custom folder of the new name.
 bool RenameFolder(CliContext& context, LoadedTree& loaded, env::VBProject& project,
@@ -90,7 +116,19 @@ bool RenameFolder(CliContext& context, LoadedTree& loaded, env::VBProject& proje
         context.Fail(kExitFindings);
         return false;
     }
-    return Report(context, loaded.ui, loaded.explorer.AfterLabelEdit(*folder, options.newName));
+    const auto existing = CustomFolders(project);
+    const auto target = existing.find(text::ToLower(options.newName));
+    const bool merges =
+        text::ToLower(options.newName) != text::ToLower(options.name) &&
+        (target != existing.end() || IsShownFolder(loaded, project, options.newName));
+    if (!Report(context, loaded.ui, loaded.explorer.AfterLabelEdit(*folder, options.newName))) {
+        return false;
+    }
+    if (merges) {
+        context.err << "arbolet: '" << options.newName << "' already existed: the components of '"
+                    << options.name << "' were merged into it\n";
+    }
+    return true;
 }
 
 // Runs the chosen change; false when it was refused.
@@ -128,6 +166,7 @@ bool Change(CliContext& context, LoadedTree& loaded, env::VBProject& project,
         if (!options.folder.empty() && RefuseInvalidName(context, loaded, options.folder)) {
             return false;
         }
+        if (RefuseUnknownTarget(context, loaded, project, options)) return false;
         return Report(context, loaded.ui,
                       loaded.explorer.SetComponentFolder(*component, options.folder));
     }
@@ -166,6 +205,8 @@ void AddFoldersCommand(CLI::App& app, CliContext& context) {
         "move", "Put a component in a folder (\"\" for the fixed group of its kind)");
     options->move->add_option("component", options->component, "Component name")->required();
     options->move->add_option("folder", options->folder, "Folder name")->required();
+    options->move->add_flag("--create", options->create,
+                            "Make the folder when the project has none of that name");
     options->rename = command->add_subcommand(
         "rename",
         "Rename a folder; renaming a fixed group moves its components into a custom "

@@ -9,6 +9,7 @@
 #include "cli/cli_context.h"
 #include "cli/commands.h"
 #include "cli/display_flags.h"
+#include "cli/indentation.h"
 #include "cli/json_writer.h"
 #include "cli/project_loading.h"
 #include "cli/terminal_style.h"
@@ -75,8 +76,7 @@ class TreeRenderer {
                     next = next->Next();
                     continue;
                 }
-                const bool opened = choice.Wants(*next);
-                if (opened) explorer.ExpandNode(*next);
+                const bool opened = choice.Wants(*next) && Expand(explorer, *next);
                 Enter(*next, frames.size());
                 frames.push_back({next, opened});
                 next = next->Child();
@@ -91,10 +91,27 @@ class TreeRenderer {
         }
     }
 
+    // Components asked for that stayed closed (over the line limit, or unreadable).
+    struct NotExpanded {
+        std::string name;
+        std::string key;
+        std::string reason;
+    };
+    const std::vector<NotExpanded>& NotExpandedComponents() const { return notExpanded_; }
+
   protected:
     virtual bool SkipsPlaceholders() const = 0;
     virtual void Enter(const tree::Node& node, std::size_t depth) = 0;
     virtual void Leave(const tree::Node& node) = 0;
+
+  private:
+    bool Expand(explorer::ProjectExplorer& explorer, tree::Node& node) {
+        const auto outcome = explorer.ExpandNode(node);
+        if (!outcome.done()) notExpanded_.push_back({node.Text(), node.Key(), outcome.message()});
+        return outcome.done();
+    }
+
+    std::vector<NotExpanded> notExpanded_;
 };
 
 // Components show collapsed unless expanded, so their "Code List" placeholders are not drawn.
@@ -109,7 +126,7 @@ class TextRenderer final : public TreeRenderer {
         if (context_.colour && node.Bold()) style = kAnsiBold;
         if (context_.colour && node.ForeColor() != tree::kWindowTextColour)
             style = AnsiForeground(node.ForeColor(), context_.colourDepth);
-        context_.out << std::string(depth * 2, ' ') << style << node.Text()
+        context_.out << Indentation(depth) << style << node.Text()
                      << (style.empty() ? "" : kAnsiReset) << '\n';
     }
     void Leave(const tree::Node&) override {}
@@ -152,6 +169,36 @@ class JsonRenderer final : public TreeRenderer {
     JsonWriter& json_;
 };
 
+// Every component asked for that stayed closed is named on the error stream and counted, and
+// the exit status says that the tree is incomplete.
+void ReportNotExpanded(CliContext& context, const TreeRenderer& renderer) {
+    const auto& missing = renderer.NotExpandedComponents();
+    if (missing.empty()) return;
+    for (const auto& component : missing) {
+        context.err << "arbolet: " << component.name << " was not expanded: " << component.reason
+                    << '\n';
+    }
+    context.err << "arbolet: " << missing.size() << " component"
+                << (missing.size() == 1 ? " was" : "s were") << " not expanded\n";
+    context.Fail(kExitFindings);
+}
+
+void WriteNotExpanded(JsonWriter& json, const TreeRenderer& renderer) {
+    json.Key("notExpanded");
+    json.BeginArray();
+    for (const auto& component : renderer.NotExpandedComponents()) {
+        json.BeginObject();
+        json.Key("key");
+        json.String(component.key);
+        json.Key("name");
+        json.String(component.name);
+        json.Key("reason");
+        json.String(component.reason);
+        json.EndObject();
+    }
+    json.EndArray();
+}
+
 void RenderTree(CliContext& context, LoadedTree& loaded, const TreeOptions& options) {
     const ExpandChoice choice(options.expand);
     const tree::NodeRef first = tree::FirstRoot(loaded.view.Nodes());
@@ -160,12 +207,17 @@ void RenderTree(CliContext& context, LoadedTree& loaded, const TreeOptions& opti
         json.BeginObject();
         json.Key("nodes");
         json.BeginArray();
-        JsonRenderer(json).Render(loaded.explorer, first, choice);
+        JsonRenderer renderer(json);
+        renderer.Render(loaded.explorer, first, choice);
         json.EndArray();
+        WriteNotExpanded(json, renderer);
         json.EndObject();
         context.out << '\n';
+        ReportNotExpanded(context, renderer);
     } else {
-        TextRenderer(context).Render(loaded.explorer, first, choice);
+        TextRenderer renderer(context);
+        renderer.Render(loaded.explorer, first, choice);
+        ReportNotExpanded(context, renderer);
     }
     context.out.flush();
 }

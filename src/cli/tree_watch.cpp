@@ -1,7 +1,10 @@
 // Following the files of a loaded tree (see tree_watch.h).
 #include "cli/tree_watch.h"
 
+#include <algorithm>
+
 #include "cli/cli_context.h"
+#include "disk/vb_path.h"
 
 namespace arbolet::cli {
 
@@ -65,6 +68,12 @@ bool TreeWatch::Step(std::chrono::milliseconds timeout, const std::atomic<bool>&
     const auto changed = watcher_->Wait(timeout, stop);
     if (changed.empty()) return false;
     const int before = counter_->events;
+    // A project file may have changed only its folder list, and a reloaded component its own
+    // folder; neither moves a node by itself, so such changes rebuild the tree.
+    const bool projectFileChanged =
+        std::any_of(changed.begin(), changed.end(), [](const std::filesystem::path& file) {
+            return disk::HasExtension(file, ".vbp") || disk::HasExtension(file, ".vbg");
+        });
     loaded_.environment->Refresh(changed);
     const auto& warnings = loaded_.environment->Warnings();
     for (; warningsShown_ < warnings.size(); ++warningsShown_) {
@@ -75,7 +84,9 @@ bool TreeWatch::Step(std::chrono::milliseconds timeout, const std::atomic<bool>&
         watcher_ = std::make_unique<disk::FileWatcher>(folders);
         folders_ = std::move(folders);
     }
-    return counter_->events != before;
+    const bool changedTree = counter_->events != before || projectFileChanged;
+    if (changedTree) loaded_.explorer.RefreshProjects();
+    return changedTree;
 }
 
 }  // namespace arbolet::cli

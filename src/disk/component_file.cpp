@@ -154,6 +154,7 @@ ComponentFile ParseComponentFile(std::string_view bytes, int codePage) {
     ComponentFile file;
     file.raw = SplitRawLines(bytes);
     CheckBytes(bytes, file.raw, file.diagnostics);
+    file.binary = bytes.find('\0') != std::string_view::npos;
     // Line breaks are the same bytes in every supported code page and no character decodes to
     // one, so the decoded text splits into the same lines.
     const std::string decoded = DecodeCodePage(bytes, codePage);

@@ -48,6 +48,8 @@ struct ComponentFile {
     // 0-based file line of each code-window line, in order.
     std::vector<std::int32_t> codeLines;
     std::vector<FileDiagnostic> diagnostics;
+    // Whether the bytes hold binary data (a NUL byte): no VB6 text file at all.
+    bool binary = false;
 
     // The code-window text: the code lines joined with CRLF, as CodeModule.Lines(1, n) gives it.
     std::string CodeText() const;

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <set>
@@ -74,9 +75,10 @@ class DiskEnvironment final : public env::VBE,
     // The files whose bytes differ from what was read.
     std::vector<std::filesystem::path> ChangedFiles() const;
     // Writes every changed file. Before writing anything it checks that each still exists, is
-    // writable and holds what was read; a failure raises FileError and leaves every file as it
-    // was (files already rewritten get their old bytes back).
-    void Save();
+    // writable and holds what was read, and checks each again as it replaces it; a failure
+    // raises FileError and leaves every file as it was (files already rewritten get their old
+    // bytes back). `beforeWrite`, when given, learns of each file just before it is written.
+    void Save(const std::function<void(const std::filesystem::path&)>& beforeWrite = {});
 
   private:
     // Canonical paths of the files that changed.
@@ -94,6 +96,14 @@ class DiskEnvironment final : public env::VBE,
     void SyncComponents(DiskProject& project, const ChangedSet& changed);
     void ReloadComponent(DiskProject& project, const std::shared_ptr<DiskComponent>& component);
     void CloseProject(const std::shared_ptr<DiskProject>& project);
+    void ReloadGroup(std::size_t group);
+
+    // A group file opened, with the canonical paths of the project files it listed.
+    struct OpenedGroup {
+        std::filesystem::path path;
+        std::string bytes;
+        std::vector<std::filesystem::path> members;
+    };
 
     int codePage_;
     std::shared_ptr<DiskProjects> projects_;
@@ -103,6 +113,7 @@ class DiskEnvironment final : public env::VBE,
     mutable std::shared_ptr<env::CommandBars> commandBars_;
     std::optional<std::string> nextComponentName_;
     std::vector<LoadWarning> warnings_;
+    std::vector<OpenedGroup> groups_;
 };
 
 }  // namespace arbolet::disk

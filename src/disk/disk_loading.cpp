@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <set>
 #include <utility>
 
 #include "base/utf8.h"
@@ -159,11 +160,20 @@ std::shared_ptr<DiskProject> DiskEnvironment::LoadProject(const fs::path& projec
     project->events = events_;
     project->codePage = codePage_;
     ComponentLoader loader(*project, codePage_, warnings_);
+    std::set<fs::path> loaded;
     for (const ComponentEntry& entry : ComponentEntries(project->Text())) {
-        if (auto component = loader.Load(entry)) {
-            component->collection = project->components;
-            project->components->items.push_back(std::move(component));
+        auto component = loader.Load(entry);
+        if (!component) continue;
+        // One file is one component: a second entry for it would make two that overwrite
+        // each other's changes.
+        if (!loaded.insert(Canonical(component->Path())).second) {
+            warnings_.push_back(
+                {shownAs, static_cast<std::int32_t>(entry.line + 1),
+                 "the component file is listed twice; this entry is skipped: " + entry.path});
+            continue;
         }
+        component->collection = project->components;
+        project->components->items.push_back(std::move(component));
     }
     projects_->items.push_back(project);
     env::VBProjectRef added = project;
@@ -184,6 +194,7 @@ void DiskEnvironment::OpenGroup(const fs::path& groupFile) {
         projects_->group = std::make_shared<DiskGroup>(groupFile, std::move(bytes), codePage_);
     }
     const std::string groupShown = PathToUtf8(groupFile.generic_u8string());
+    OpenedGroup opened{AbsolutePath(groupFile), std::move(bytes), {}};
     for (const GroupMember& member : group.projects) {
         const auto line = static_cast<std::int32_t>(member.line + 1);
         const auto resolved = ResolveVbPath(AbsolutePath(groupFile).parent_path(), member.path);
@@ -191,6 +202,7 @@ void DiskEnvironment::OpenGroup(const fs::path& groupFile) {
             warnings_.push_back({groupShown, line, "project file not found: " + member.path});
             continue;
         }
+        opened.members.push_back(Canonical(*resolved));
         try {
             auto project = LoadProject(*resolved, ShownBeside(groupShown, member.path));
             if (project && member.startup && projects_->start.expired()) {
@@ -200,6 +212,7 @@ void DiskEnvironment::OpenGroup(const fs::path& groupFile) {
             warnings_.push_back({groupShown, line, error.what()});
         }
     }
+    groups_.push_back(std::move(opened));
 }
 
 }  // namespace arbolet::disk

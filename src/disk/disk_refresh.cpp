@@ -8,6 +8,7 @@
 
 #include "disk/disk_loading.h"
 #include "disk/file_io.h"
+#include "disk/group_file.h"
 #include "disk/vb_path.h"
 #include "environment/event_hub.h"
 
@@ -21,6 +22,8 @@ std::vector<fs::path> DiskEnvironment::Folders() const {
         fs::path folder = Canonical(file).parent_path();
         if (seen.insert(folder).second) folders.push_back(std::move(folder));
     };
+    for (const auto& group : groups_)
+        add(group.path);
     for (const auto& project : projects_->items) {
         add(project->Path());
         for (const auto& component : project->components->items)
@@ -33,9 +36,54 @@ void DiskEnvironment::Refresh(const std::vector<fs::path>& changedFiles) {
     ChangedSet changed;
     for (const auto& file : changedFiles)
         changed.insert(Canonical(file));
+    for (std::size_t group = 0; group < groups_.size(); ++group) {
+        if (changed.contains(Canonical(groups_[group].path))) ReloadGroup(group);
+    }
     const auto projects = projects_->items;  // closing a project changes the list
     for (const auto& project : projects)
         RefreshProject(project, changed);
+}
+
+// Projects the group lists anew are opened, and those it no longer lists are closed.
+void DiskEnvironment::ReloadGroup(std::size_t index) {
+    OpenedGroup& group = groups_[index];
+    const std::string shown = PathToUtf8(group.path.generic_u8string());
+    std::string bytes;
+    try {
+        bytes = ReadFileBytes(group.path);
+    } catch (const FileError& error) {
+        warnings_.push_back({shown, 0, error.what()});
+        return;
+    }
+    if (bytes == group.bytes) return;
+    const GroupFile parsed = ParseGroupFile(bytes, codePage_);
+    if (!parsed.IsGroup()) {
+        warnings_.push_back({shown, 0, "no longer a project group; not reloaded"});
+        return;
+    }
+    group.bytes = std::move(bytes);
+    std::vector<fs::path> members;
+    for (const GroupMember& member : parsed.projects) {
+        const auto resolved = ResolveVbPath(group.path.parent_path(), member.path);
+        if (!resolved) continue;
+        members.push_back(Canonical(*resolved));
+        if (IsOpen(*resolved)) continue;
+        try {
+            LoadProject(*resolved, ShownBeside(shown, member.path));
+        } catch (const FileError& error) {
+            warnings_.push_back({shown, static_cast<std::int32_t>(member.line + 1), error.what()});
+        }
+    }
+    const auto listed = [&](const fs::path& path) {
+        return std::find(members.begin(), members.end(), path) != members.end();
+    };
+    for (const auto& project : std::vector(projects_->items)) {
+        const fs::path path = Canonical(project->Path());
+        if (listed(path)) continue;
+        const auto& before = groups_[index].members;
+        if (std::find(before.begin(), before.end(), path) != before.end()) CloseProject(project);
+    }
+    groups_[index].members = std::move(members);
 }
 
 void DiskEnvironment::RefreshProject(const std::shared_ptr<DiskProject>& project,
@@ -104,10 +152,13 @@ void DiskEnvironment::SyncComponents(DiskProject& project, const ChangedSet& cha
     std::vector<std::shared_ptr<DiskComponent>> added;
     std::vector<LoadWarning> ignored;
     ComponentLoader loader(project, codePage_, ignored);
+    std::set<fs::path> listed;
     for (const ComponentEntry& entry : ComponentEntries(project.Text())) {
         const auto resolved = loader.Resolve(entry);
         if (!resolved) continue;
-        const auto existing = byPath.find(Canonical(*resolved));
+        const fs::path canonical = Canonical(*resolved);
+        if (!listed.insert(canonical).second) continue;  // a file listed twice is one component
+        const auto existing = byPath.find(canonical);
         if (existing != byPath.end()) {
             kept.push_back(existing->second);
         } else if (auto component = loader.Load(entry)) {

@@ -1,4 +1,6 @@
 // The all-or-nothing save of every changed project and component file (see disk_environment.h).
+#include <functional>
+#include <string>
 #include <system_error>
 #include <vector>
 
@@ -34,6 +36,13 @@ void CheckStillAsRead(const PendingWrite& write) {
     }
 }
 
+// The error's text without the file name it starts with.
+std::string Reason(const FileError& error) {
+    const std::string prefix = error.path.string() + ": ";
+    const std::string what = error.what();
+    return what.starts_with(prefix) ? what.substr(prefix.size()) : what;
+}
+
 }  // namespace
 
 std::vector<fs::path> DiskEnvironment::ChangedFiles() const {
@@ -49,7 +58,7 @@ std::vector<fs::path> DiskEnvironment::ChangedFiles() const {
     return changed;
 }
 
-void DiskEnvironment::Save() {
+void DiskEnvironment::Save(const std::function<void(const fs::path&)>& beforeWrite) {
     std::vector<PendingWrite> writes;
     if (const auto& group = projects_->group; group && group->Changed()) {
         writes.push_back({group->Path(), &group->Original(), &group->Current()});
@@ -67,18 +76,22 @@ void DiskEnvironment::Save() {
     }
     for (const auto& write : writes)
         CheckStillAsRead(write);
+    // Each file is checked again as it is replaced: another program may change or delete one
+    // while the others are written. Then the files already written get their old bytes back,
+    // each only while it still holds what was written to it.
     for (std::size_t i = 0; i < writes.size(); ++i) {
         try {
-            WriteFileAtomic(writes[i].path, *writes[i].current);
-        } catch (const FileError&) {
+            if (beforeWrite) beforeWrite(writes[i].path);
+            ReplaceFileAtomic(writes[i].path, *writes[i].current, *writes[i].original);
+        } catch (const FileError& error) {
             for (std::size_t j = 0; j < i; ++j) {
                 try {
-                    WriteFileAtomic(writes[j].path, *writes[j].original);
+                    ReplaceFileAtomic(writes[j].path, *writes[j].original, *writes[j].current);
                 } catch (const FileError&) {
                     // The first failure is the one to report.
                 }
             }
-            throw;
+            throw FileError(error.path, Reason(error) + "; nothing was saved");
         }
     }
     if (projects_->group) projects_->group->MarkSaved();

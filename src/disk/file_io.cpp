@@ -4,10 +4,12 @@
 #include <cerrno>
 #include <cstring>
 #include <fstream>
+#include <optional>
 #include <random>
 #include <system_error>
 
 #include "disk/vb_path.h"
+#include "disk/file_io_platform.h"
 
 namespace arbolet::disk {
 namespace fs = std::filesystem;
@@ -25,6 +27,59 @@ fs::path TemporarySibling(const fs::path& path) {
     name += path.filename();
     name += "." + suffix;
     return path.parent_path() / name;
+}
+
+// The file a path stands for: a symbolic link is followed, so that the file it points to (which
+// other links may share) is the one that changes, and the link stays a link.
+fs::path FollowLinks(const fs::path& path) {
+    std::error_code ec;
+    if (!fs::is_symlink(fs::symlink_status(path, ec))) return path;
+    fs::path target = fs::weakly_canonical(path, ec);
+    if (ec) throw FileError(path, "cannot follow the link: " + ec.message());
+    return target;
+}
+
+void Write(const fs::path& path, std::string_view bytes,
+           const std::optional<std::string_view>& expected) {
+    const fs::path target = FollowLinks(path);
+    std::error_code ec;
+    const auto status = fs::status(target, ec);
+    const bool exists = fs::exists(status);
+    if (expected && !exists) throw FileError(path, "the file has vanished since it was read");
+    if (exists && (status.permissions() & fs::perms::owner_write) == fs::perms::none) {
+        throw FileError(path, "the file is read-only");
+    }
+    if (exists && fs::hard_link_count(target, ec) > 1) {
+        // Replacing the name would leave the other links with the old bytes: write in place,
+        // and put the old bytes back if that fails.
+        const std::string old = ReadFileBytes(target);
+        if (expected && old != *expected) {
+            throw FileError(path, "the file has changed on disk since it was read");
+        }
+        try {
+            platform::OverwriteInPlace(target, bytes);
+        } catch (const FileError&) {
+            try {
+                platform::OverwriteInPlace(target, old);
+            } catch (const FileError&) {
+                // The first failure is the one to report.
+            }
+            throw;
+        }
+        return;
+    }
+    const fs::path temporary = TemporarySibling(target);
+    platform::WriteNewFile(temporary, bytes,
+                           exists ? std::optional<fs::path>(target) : std::nullopt);
+    switch (platform::Replace(temporary, target, expected)) {
+        case platform::ReplaceOutcome::Replaced:
+            break;
+        case platform::ReplaceOutcome::TargetGone:
+            throw FileError(path, "the file has vanished since it was read");
+        case platform::ReplaceOutcome::TargetChanged:
+            throw FileError(path, "the file has changed on disk since it was read");
+    }
+    platform::FlushFolder(target.parent_path());
 }
 
 }  // namespace
@@ -50,31 +105,11 @@ std::string ReadFileBytes(const fs::path& path) {
 }
 
 void WriteFileAtomic(const fs::path& path, std::string_view bytes) {
-    std::error_code ec;
-    const auto status = fs::status(path, ec);
-    if (fs::exists(status) && (status.permissions() & fs::perms::owner_write) == fs::perms::none) {
-        throw FileError(path, "the file is read-only");
-    }
-    const fs::path temporary = TemporarySibling(path);
-    {
-        std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
-        if (!out)
-            throw FileError(path, "cannot create a temporary file beside it: " + Describe(errno));
-        out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-        out.flush();
-        if (!out) {
-            out.close();
-            fs::remove(temporary, ec);
-            throw FileError(path, "cannot write: " + Describe(errno));
-        }
-    }
-    if (fs::exists(status)) fs::permissions(temporary, status.permissions(), ec);
-    fs::rename(temporary, path, ec);
-    if (ec) {
-        const std::string reason = ec.message();
-        fs::remove(temporary, ec);
-        throw FileError(path, "cannot replace the file: " + reason);
-    }
+    Write(path, bytes, std::nullopt);
+}
+
+void ReplaceFileAtomic(const fs::path& path, std::string_view bytes, std::string_view expected) {
+    Write(path, bytes, expected);
 }
 
 }  // namespace arbolet::disk

@@ -19,10 +19,18 @@ class FileError : public std::runtime_error {
 // The whole file as bytes. Raises FileError when it cannot be read.
 std::string ReadFileBytes(const std::filesystem::path& path);
 
-// Replaces the file's contents: writes a temporary file in the same folder, flushes it, then
-// renames it over the original, so that a reader sees either the old or the new file and a
-// failure leaves the original untouched. Raises FileError with a clear message (read-only file,
-// vanished folder, full disk).
+// Replaces the file's contents: writes a temporary file in the same folder, flushes it to the
+// disk, renames it over the original and flushes the folder, so that a reader sees either the
+// old or the new file and a failure leaves the original untouched. The file keeps its
+// permissions (and owner, where allowed); a symbolic link is written through to the file it
+// points to, and a file with several hard links is rewritten in place so that every link sees
+// the change. Raises FileError with a clear message (read-only file, vanished folder, full disk).
 void WriteFileAtomic(const std::filesystem::path& path, std::string_view bytes);
+
+// WriteFileAtomic for a file read earlier: it is replaced only while it still holds `expected`,
+// checked at the moment of the replacement. A file changed since, or deleted (it is never
+// recreated), is left as it is and FileError raised.
+void ReplaceFileAtomic(const std::filesystem::path& path, std::string_view bytes,
+                       std::string_view expected);
 
 }  // namespace arbolet::disk

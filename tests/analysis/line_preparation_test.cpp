@@ -41,18 +41,6 @@ TEST(KeyText, KeepsByteLengthSoPositionsMatchTheLine) {
     EXPECT_EQ(key.substr(0, 2), "ä");
 }
 
-TEST(SplitCodeLines, AcceptsCrLfLfAndLoneCr) {
-    const auto lines = SplitCodeLines("a\r\nb\nc\rd");
-    ASSERT_EQ(lines.size(), 4u);
-    EXPECT_EQ(lines[3], "d");
-    EXPECT_TRUE(SplitCodeLines("").empty());
-    EXPECT_EQ(SplitCodeLines("a\r\n").size(), 2u);
-}
-
-TEST(NormaliseBlanks, CollapsesTabsAndRuns) {
-    EXPECT_EQ(NormaliseBlanks("\t\tIf  a    Then\t "), " If a Then ");
-}
-
 TEST(PrepareLines, PushesInSourceOrderWithIndicesAsIdentifiers) {
     const auto prepared = Prepare("' comment\r\nDim a\r\n\r\n  x = 1  ");
     EXPECT_EQ(prepared->count, 4);

@@ -114,6 +114,27 @@ TEST_F(EditCommands, EveryRefusedComponentNameIsPrintedWithItsReason) {
     EXPECT_EQ(folder.Read("modMain.bas"), kModule);
 }
 
+TEST_F(EditCommands, FoldersMoveMakesNoFolderFromATypoAndRenameSaysWhenItMerges) {
+    const CliRun typo = Arbolet({"folders", vbp, "move", "modMain", "Tols"});
+    EXPECT_EQ(typo.status, 1);
+    EXPECT_NE(typo.err.find("Shop has no folder named 'Tols'; give --create to make it"),
+              std::string::npos)
+        << typo.err;
+    EXPECT_EQ(folder.Read("Shop.vbp"), kVbp);
+    EXPECT_EQ(folder.Read("modMain.bas"), kModule);
+
+    EXPECT_EQ(Arbolet({"folders", vbp, "move", "modMain", "Tools", "--create"}).status, 0);
+    EXPECT_EQ(Arbolet({"folders", vbp, "move", "frmMain", "tools"}).status, 0);  // exists now
+    EXPECT_EQ(Arbolet({"folders", vbp, "add", "Data"}).status, 0);
+    const CliRun merged = Arbolet({"folders", vbp, "rename", "Data", "TOOLS"});
+    EXPECT_EQ(merged.status, 0) << merged.err;
+    EXPECT_NE(merged.err.find("'TOOLS' already existed: the components of 'Data' were merged"),
+              std::string::npos)
+        << merged.err;
+    const CliRun plain = Arbolet({"folders", vbp, "rename", "TOOLS", "Kit"});
+    EXPECT_EQ(plain.err.find("merged"), std::string::npos) << plain.err;
+}
+
 TEST_F(EditCommands, FoldersRenameOfAFixedGroupMovesItsComponentsIntoACustomFolder) {
     const CliRun run = Arbolet({"folders", vbp, "rename", "forms", "Screens"});
     EXPECT_EQ(run.status, 0) << run.err;
@@ -147,6 +168,14 @@ TEST_F(EditCommands, TheWatchedTreeFollowsRealFileChanges) {
 
     folder.Write("Shop.vbp", kVbp + "Module=modLib; lib\\modLib.bas\r\n");
     EXPECT_TRUE(stepUntil("modLib~Shop~", true));
+    // A component moved to another folder by another program shows in that folder.
+    EXPECT_EQ(Arbolet({"folders", vbp, "move", "modLib", "Tools", "--create"}).status, 0);
+    EXPECT_TRUE(stepUntil("Type~Tools~Shop", true));
+    EXPECT_EQ(loaded.view.Nodes().Item("modLib~Shop~")->Parent()->Key(), "Type~Tools~Shop");
+    // An empty folder added to the project's list alone shows too.
+    EXPECT_EQ(Arbolet({"folders", vbp, "add", "Reports"}).status, 0);
+    EXPECT_TRUE(stepUntil("Type~Reports~Shop", true));
+
     fs::remove(folder / "frmMain.frm");
     EXPECT_TRUE(stepUntil("frmMain~Shop~", false));
     EXPECT_FALSE(loaded.view.Nodes().Exists("Type~Forms~Shop") &&

@@ -155,7 +155,7 @@ TEST_F(ProjectCommands, FoldersRefuseInvalidNamesAndUnknownTargets) {
 
 TEST_F(ProjectCommands, AFailedSaveLeavesEveryFileAsItWas) {
     folder.MakeReadOnly("Shop.vbp");
-    const CliRun run = Arbolet({"folders", vbp, "move", "modMain", "Tools"});
+    const CliRun run = Arbolet({"folders", vbp, "move", "modMain", "Tools", "--create"});
     EXPECT_EQ(run.status, 2);
     EXPECT_NE(run.err.find("Shop.vbp: the file is read-only; nothing was saved"), std::string::npos)
         << run.err;

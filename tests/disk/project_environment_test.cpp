@@ -2,6 +2,8 @@
 // that change only what they must and refuse to leave anything half-written.
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "base/utf8.h"
 #include "base/vb_error.h"
 #include "disk/disk_environment.h"
@@ -386,6 +388,39 @@ TEST_F(DiskSaveTest, AVanishedOrChangedFileFailsTheWholeSave) {
     EXPECT_NE(message.find("changed on disk"), std::string::npos) << message;
     EXPECT_EQ(folder.Read("P/P.vbp"), vbpHead);
     EXPECT_EQ(folder.Read("P/clsItem.cls"), kClass + "' edited elsewhere\r\n");
+}
+
+// Another program changes or deletes a file while the others are being written: that file
+// keeps what the other program left, and the files written before it get their old bytes back.
+TEST_F(DiskSaveTest, AFileChangedOrDeletedDuringTheSaveIsNeverOverwrittenOrRecreated) {
+    const std::string edited = kClass + "' edited elsewhere\r\n";
+    const std::pair<std::string, std::function<void()>> meddlers[] = {
+        {"changed on disk", [&] { folder.Write("P/clsItem.cls", edited); }},
+        {"vanished", [&] { std::filesystem::remove(folder / "P/clsItem.cls"); }},
+    };
+    for (const auto& [reason, meddle] : meddlers) {
+        auto environment = OpenProject(vbpHead);
+        auto project = environment->VBProjects()->Item(1);
+        project->WriteProperty("Quorlin", "QX-TypeName", ";Tools;");
+        project->VBComponents()->Item("clsItem")->WriteProperty("QX-TypeName", "Tools");
+        std::vector<std::string> written;
+        const std::string message = ThrownMessage([&] {
+            environment->Save([&](const std::filesystem::path& file) {
+                written.push_back(file.filename().string());
+                if (file.filename() == "clsItem.cls") meddle();
+            });
+        });
+        EXPECT_EQ(written, (std::vector<std::string>{"P.vbp", "clsItem.cls"}));
+        EXPECT_NE(message.find("clsItem.cls: the file has " + reason), std::string::npos)
+            << message;
+        EXPECT_NE(message.find("nothing was saved"), std::string::npos) << message;
+        EXPECT_EQ(folder.Read("P/P.vbp"), vbpHead);
+        if (reason == "vanished") {
+            EXPECT_FALSE(std::filesystem::exists(folder / "P/clsItem.cls"));
+        } else {
+            EXPECT_EQ(folder.Read("P/clsItem.cls"), edited);
+        }
+    }
 }
 
 }  // namespace

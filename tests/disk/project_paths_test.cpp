@@ -3,6 +3,8 @@
 // case; added files get the relative path VB writes.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "base/vb_error.h"
 #include "disk/disk_environment.h"
 #include "temp_folder.h"
@@ -90,6 +92,37 @@ TEST_F(ProjectPaths, AddingFromTheWorkingFolderWritesThePathRelativeToTheProject
     EXPECT_EQ(folder.Read("proj/P.vbp"),
               "Type=Exe\r\nModule=modLib; ..\\lib\\modLib.bas\r\nName=\"P\"\r\n"
               "Module=modMore; ..\\lib\\modMore.bas\r\n");
+}
+
+TEST_F(ProjectPaths, AChangedGroupOpensAndClosesItsProjects) {
+    const auto environment = DiskEnvironment::Open({folder / "G.vbg"});
+    ASSERT_EQ(environment->VBProjects()->Count(), 2);
+    const auto folders = environment->Folders();
+    EXPECT_NE(std::find(folders.begin(), folders.end(), fs::canonical(folder.Path())),
+              folders.end());
+
+    const auto group = folder.Write("G.vbg", "VBGROUP 5.0\r\nStartupProject=FAKES.VBP\r\n");
+    environment->Refresh({group});
+    ASSERT_EQ(environment->VBProjects()->Count(), 1);
+    EXPECT_EQ(environment->VBProjects()->Item(1)->Name(), "Fakes");
+
+    folder.Write("G.vbg", "VBGROUP 5.0\r\nStartupProject=FAKES.VBP\r\nProject=proj\\P.vbp\r\n");
+    environment->Refresh({group});
+    ASSERT_EQ(environment->VBProjects()->Count(), 2);
+    EXPECT_EQ(ComponentNames(*environment->VBProjects()->Item("P")),
+              std::vector<std::string>{"modLib"});
+}
+
+TEST_F(ProjectPaths, AFileListedTwiceIsOneComponent) {
+    const auto vbp = folder.Write(
+        "Twice.vbp",
+        "Module=modFoo; Modules\\Foo.bas\r\nModule=modFoo; MODULES\\foo.bas\r\nName=\"T\"\r\n");
+    const auto environment = DiskEnvironment::Open({vbp});
+    EXPECT_EQ(ComponentNames(*environment->VBProjects()->Item(1)),
+              std::vector<std::string>{"modFoo"});
+    ASSERT_EQ(environment->Warnings().size(), 1u);
+    EXPECT_EQ(environment->Warnings()[0].line, 2);
+    EXPECT_NE(environment->Warnings()[0].message.find("listed twice"), std::string::npos);
 }
 
 }  // namespace

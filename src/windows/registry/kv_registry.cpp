@@ -217,10 +217,7 @@ bool kvRegistry::DeleteValue() const {
         Raise(kErrRegistry, "Failed to open key '" + HiveText() + "',Section: '" + section_ +
                                 "' for delete access");
     }
-    // The handle is left open on every path: this class has always worked that way, and
-    // changing it would change the handle use its hosts see.
-    HKEY openKey = key.Detach();
-    if (RegDeleteValueA(openKey, Utf8ToAnsi(valueName_).c_str()) != ERROR_SUCCESS) {
+    if (RegDeleteValueA(key.Get(), Utf8ToAnsi(valueName_).c_str()) != ERROR_SUCCESS) {
         Raise(kErrRegistry, "Failed to delete registry Key: '" + HiveText() + "',Section: '" +
                                 section_ + "',Key: '" + valueName_);
     }
@@ -229,9 +226,10 @@ bool kvRegistry::DeleteValue() const {
 
 bool kvRegistry::ValueExists() const {
     RegKey key;
-    OpenKey(hive_, section_, KEY_QUERY_VALUE, key);
-    HKEY openKey = key.Detach();  // left open, like every read of the class
-    if (openKey == nullptr) return false;
+    // The key is closed on every path: an add-in reads options in the IDE's process for as
+    // long as it runs.
+    if (OpenKey(hive_, section_, KEY_QUERY_VALUE, key) != ERROR_SUCCESS) return false;
+    const HKEY openKey = key.Get();
     DWORD size = 0;
     const LONG status =
         RegQueryValueExA(openKey, Utf8ToAnsi(valueName_).c_str(), nullptr, nullptr, nullptr, &size);
@@ -240,9 +238,8 @@ bool kvRegistry::ValueExists() const {
 
 RegValue kvRegistry::Value() {
     RegKey key;
-    OpenKey(hive_, section_, KEY_QUERY_VALUE, key);
-    HKEY openKey = key.Detach();  // left open, like every read of the class
-    if (openKey == nullptr) return default_;
+    if (OpenKey(hive_, section_, KEY_QUERY_VALUE, key) != ERROR_SUCCESS) return default_;
+    const HKEY openKey = key.Get();
     const std::string name = Utf8ToAnsi(valueName_);
     DWORD type = REG_NONE;
     DWORD size = 0;

@@ -31,9 +31,22 @@ namespace {
 
 using namespace subclass_properties;
 
-// What the client being called may ask for: its message and where the message goes on.
+// The message of the client being called. A client may dispatch other messages (sending one to
+// another subclassed window) before it asks; each dispatch puts back the number it found.
 UINT currentMessage = 0;
-WNDPROC previousProc = nullptr;
+
+class CurrentMessageScope {
+  public:
+    explicit CurrentMessageScope(UINT iMsg) noexcept : saved_(currentMessage) {
+        currentMessage = iMsg;
+    }
+    ~CurrentMessageScope() { currentMessage = saved_; }
+    CurrentMessageScope(const CurrentMessageScope&) = delete;
+    CurrentMessageScope& operator=(const CurrentMessageScope&) = delete;
+
+  private:
+    UINT saved_;
+};
 
 HHOOK keyboardHook = nullptr;
 std::vector<ISubclass*> keyboardClients;
@@ -101,8 +114,7 @@ LRESULT CALLBACK Dispatcher(HWND hWnd, UINT iMsg, WPARAM wParam, LPARAM lParam) 
             result = CallPrevious(previous, hWnd, iMsg, wParam, lParam);
             continue;
         }
-        currentMessage = iMsg;
-        previousProc = previous;
+        const CurrentMessageScope scope(iMsg);
         // The first client decides on calling the window's procedure first, the last one on
         // calling it afterwards.
         if (n == 1 && AskResponse(client) == emrPreprocess && !previousCalled) {
@@ -202,8 +214,10 @@ void DetachMessage(ISubclass* iwp, HWND hWnd, UINT iMsg) noexcept {
     }
 }
 
+// The procedure is the one kept with the window itself, so that a dispatch nested inside the
+// client's call (another window's message) cannot change it.
 LRESULT CallOldWindowProc(HWND hWnd, UINT iMsg, WPARAM wParam, LPARAM lParam) noexcept {
-    return CallPrevious(previousProc, hWnd, iMsg, wParam, lParam);
+    return CallPrevious(ReadPreviousProc(hWnd), hWnd, iMsg, wParam, lParam);
 }
 
 UINT CurrentMessage() noexcept {

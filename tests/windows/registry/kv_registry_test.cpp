@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -159,6 +161,32 @@ TEST_F(KvRegistryTest, MissingKeyOrValueReadsAsDefaultAndKeepsValueType) {
     EXPECT_TRUE(registry_.ValueExists());
     EXPECT_EQ(registry_.Value(), RegValue(std::int32_t{7}));
     EXPECT_EQ(registry_.ValueType(), REG_DWORD);
+}
+
+// Options are read inside the IDE's process for as long as it runs: no read, found or not, and
+// no delete may leave a key open. A closed handle's slot is used again, so a key opened after
+// many reads gets the same handle as one opened before them; leaked ones would push it on.
+TEST_F(KvRegistryTest, ReadsAndDeletesCloseEveryKeyTheyOpen) {
+    const auto nextHandle = [&] {
+        HKEY key = nullptr;
+        RegOpenKeyExA(HKEY_CURRENT_USER, section_.c_str(), 0, KEY_QUERY_VALUE, &key);
+        RegCloseKey(key);
+        return reinterpret_cast<std::intptr_t>(key);
+    };
+    Plant(REG_DWORD, DwordBytes(7));
+    const std::intptr_t before = nextHandle();
+    ASSERT_NE(before, 0);
+    for (int i = 0; i < 100; ++i) {
+        registry_.ValueExists();
+        registry_.Value();
+        registry_.ValueKey("Missing");
+        registry_.ValueExists();
+        registry_.Value();
+        registry_.ValueKey("Item");
+        registry_.DeleteValue();
+        Plant(REG_DWORD, DwordBytes(7));
+    }
+    EXPECT_LT(std::abs(nextHandle() - before), 64) << "handles were left open";
 }
 
 TEST_F(KvRegistryTest, TextsAreStoredWithTerminatorAndReadWithoutTheLastByte) {

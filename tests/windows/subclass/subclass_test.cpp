@@ -135,6 +135,53 @@ TEST_F(TwoClients, AConsumingClientCanStillPassTheMessageOn) {
     DetachMessage(&only, window.get(), kMessage);
 }
 
+// A window with a procedure of its own, so that a call reaching it by mistake shows.
+int innerOwnCalls = 0;
+LRESULT CALLBACK InnerOwnProc(HWND hWnd, UINT iMsg, WPARAM wParam, LPARAM lParam) {
+    if (iMsg == kMessage) {
+        ++innerOwnCalls;
+        return 77;
+    }
+    return DefWindowProcA(hWnd, iMsg, wParam, lParam);
+}
+
+// While handling its message, sends one to another subclassed window, then passes its own on.
+class NestingClient : public ISubclass {
+  public:
+    explicit NestingClient(HWND other) : other_(other) {}
+    EMsgResponse MsgResponse() override { return emrConsume; }
+    void MsgResponse(EMsgResponse) override {}
+    LRESULT WindowProc(HWND hWnd, UINT iMsg, WPARAM wParam, LPARAM lParam) override {
+        SendMessageA(other_, kMessage, 0, 0);
+        seenCurrentMessage = CurrentMessage();
+        return CallOldWindowProc(hWnd, iMsg, wParam, lParam);
+    }
+    UINT seenCurrentMessage = 0;
+
+  private:
+    HWND other_;
+};
+
+TEST(Subclass, PassingAMessageOnAfterANestedDispatchReachesTheWindowsOwnProcedure) {
+    TestWindow outer;
+    TestWindow inner;
+    innerOwnCalls = 0;
+    const auto innerProc = reinterpret_cast<LONG_PTR>(&InnerOwnProc);
+    const LONG_PTR innerOriginal = SetWindowLongPtrA(inner.get(), GWLP_WNDPROC, innerProc);
+    RecordingClient innerClient(emrPostProcess, 0, nullptr, "inner");
+    AttachMessage(&innerClient, inner.get(), kMessage);
+    NestingClient outerClient(inner.get());
+    AttachMessage(&outerClient, outer.get(), kOtherMessage);
+
+    EXPECT_EQ(SendMessageA(outer.get(), kOtherMessage, 0, 0), kOwnProcResult);
+    EXPECT_EQ(innerOwnCalls, 1);  // only its own message, never the outer window's
+    EXPECT_EQ(outerClient.seenCurrentMessage, kOtherMessage);
+
+    DetachMessage(&outerClient, outer.get(), kOtherMessage);
+    DetachMessage(&innerClient, inner.get(), kMessage);
+    SetWindowLongPtrA(inner.get(), GWLP_WNDPROC, innerOriginal);
+}
+
 TEST_F(TwoClients, DetachingAClientThatIsNotAttachedRemovesTheLastClient) {
     RecordingClient first(emrConsume, 11, &log, "first");
     RecordingClient last(emrConsume, 22, &log, "last");
