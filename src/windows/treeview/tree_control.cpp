@@ -1,0 +1,583 @@
+// The comctl32 tree view behind the explorer's keyed tree.
+#include "windows/treeview/tree_control.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "base/vb_error.h"
+#include "windows/registry/ansi_text.h"
+
+namespace arbolet::windows {
+namespace {
+
+constexpr const char* kNodesSource = "TreeView.Nodes";
+
+[[noreturn]] void RaiseElementNotFound() {
+    throw VbError(tree::treeerr::kElementNotFound, kNodesSource, "Element not found");
+}
+
+[[noreturn]] void RaiseNodeDeleted() {
+    throw VbError(tree::treeerr::kNodeDeleted, "TreeView.Node",
+                  "Control's collection has been modified");
+}
+
+// A Windows colour value with the system-colour flag in its high byte stands for a system colour.
+COLORREF ScreenColour(std::int32_t colour) {
+    const auto value = static_cast<std::uint32_t>(colour);
+    if ((value & 0xFF000000u) == 0x80000000u) return GetSysColor(static_cast<int>(value & 0xFFu));
+    return static_cast<COLORREF>(value & 0x00FFFFFFu);
+}
+
+}  // namespace
+
+bool ItemRect(HWND tree, HTREEITEM item, bool textOnly, RECT& area) {
+    // The message takes the item's handle in the rectangle it fills.
+    static_assert(sizeof(RECT) >= sizeof(HTREEITEM));
+    std::memcpy(&area, &item, sizeof(item));
+    return SendMessageW(tree, TVM_GETITEMRECT, textOnly ? TRUE : FALSE,
+                        reinterpret_cast<LPARAM>(&area)) != 0;
+}
+
+int ControlImage(std::optional<std::int32_t> image) {
+    return image && *image >= 1 ? *image - 1 : I_IMAGENONE;
+}
+
+std::optional<std::int32_t> ModelImage(int controlImage) {
+    if (controlImage < 0) return std::nullopt;
+    return controlImage + 1;
+}
+
+// ---- TreeItemNode ----
+
+TreeControl& TreeItemNode::Owner() const {
+    if (owner_ == nullptr) RaiseNodeDeleted();
+    return *owner_;
+}
+
+std::string TreeItemNode::Key() const {
+    Owner();
+    return key_;
+}
+
+std::string TreeItemNode::Text() const {
+    const TreeControl& owner = Owner();
+    wchar_t buffer[1024];
+    TVITEMW item{};
+    item.mask = TVIF_TEXT | TVIF_HANDLE;
+    item.hItem = item_;
+    item.pszText = buffer;
+    item.cchTextMax = static_cast<int>(std::size(buffer));
+    buffer[0] = L'\0';
+    SendMessageW(owner.hWnd_, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+    return WideToUtf8(item.pszText);
+}
+
+void TreeItemNode::SetText(std::string_view text) {
+    const TreeControl& owner = Owner();
+    std::wstring wide = Utf8ToWide(text);
+    TVITEMW item{};
+    item.mask = TVIF_TEXT | TVIF_HANDLE;
+    item.hItem = item_;
+    item.pszText = wide.data();
+    SendMessageW(owner.hWnd_, TVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+}
+
+bool TreeItemNode::Bold() const {
+    const TreeControl& owner = Owner();
+    const auto state = static_cast<UINT>(
+        SendMessageW(owner.hWnd_, TVM_GETITEMSTATE, reinterpret_cast<WPARAM>(item_), TVIS_BOLD));
+    return (state & TVIS_BOLD) != 0;
+}
+
+void TreeItemNode::SetBold(bool bold) {
+    const TreeControl& owner = Owner();
+    TVITEMW item{};
+    item.mask = TVIF_STATE | TVIF_HANDLE;
+    item.hItem = item_;
+    item.stateMask = TVIS_BOLD;
+    item.state = bold ? TVIS_BOLD : 0;
+    SendMessageW(owner.hWnd_, TVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+}
+
+std::optional<std::int32_t> TreeItemNode::Image() const {
+    const TreeControl& owner = Owner();
+    TVITEMW item{};
+    item.mask = TVIF_IMAGE | TVIF_HANDLE;
+    item.hItem = item_;
+    SendMessageW(owner.hWnd_, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+    return ModelImage(item.iImage);
+}
+
+void TreeItemNode::SetImage(std::optional<std::int32_t> image) {
+    const TreeControl& owner = Owner();
+    TVITEMW item{};
+    item.mask = TVIF_IMAGE | TVIF_HANDLE;
+    item.hItem = item_;
+    item.iImage = ControlImage(image);
+    SendMessageW(owner.hWnd_, TVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+}
+
+std::optional<std::int32_t> TreeItemNode::SelectedImage() const {
+    const TreeControl& owner = Owner();
+    TVITEMW item{};
+    item.mask = TVIF_SELECTEDIMAGE | TVIF_HANDLE;
+    item.hItem = item_;
+    SendMessageW(owner.hWnd_, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+    return ModelImage(item.iSelectedImage);
+}
+
+void TreeItemNode::SetSelectedImage(std::optional<std::int32_t> image) {
+    const TreeControl& owner = Owner();
+    TVITEMW item{};
+    item.mask = TVIF_SELECTEDIMAGE | TVIF_HANDLE;
+    item.hItem = item_;
+    item.iSelectedImage = ControlImage(image);
+    SendMessageW(owner.hWnd_, TVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+}
+
+std::int32_t TreeItemNode::ForeColor() const {
+    Owner();
+    return foreColor_;
+}
+
+void TreeItemNode::SetForeColor(std::int32_t colour) {
+    const TreeControl& owner = Owner();
+    if (foreColor_ == colour) return;
+    foreColor_ = colour;
+    if (owner.updating_ > 0) return;
+    RECT area{};
+    if (ItemRect(owner.hWnd_, item_, false, area)) InvalidateRect(owner.hWnd_, &area, FALSE);
+}
+
+std::string TreeItemNode::Tag() const {
+    Owner();
+    return tag_;
+}
+
+void TreeItemNode::SetTag(std::string_view tag) {
+    Owner();
+    tag_ = tag;
+}
+
+bool TreeItemNode::Expanded() const {
+    Owner();
+    return expanded_;
+}
+
+// The model remembers the state even while the node has no children, as the VB control does;
+// the control can only open an item that has some, so Add opens it when its first child comes.
+void TreeItemNode::SetExpanded(bool expanded) {
+    const TreeControl& owner = Owner();
+    expanded_ = expanded;
+    const TreeControl::Quiet quiet(owner);
+    SendMessageW(owner.hWnd_, TVM_EXPAND, expanded ? TVE_EXPAND : TVE_COLLAPSE,
+                 reinterpret_cast<LPARAM>(item_));
+}
+
+bool TreeItemNode::Selected() const {
+    const TreeControl& owner = Owner();
+    return reinterpret_cast<HTREEITEM>(SendMessageW(owner.hWnd_, TVM_GETNEXTITEM, TVGN_CARET, 0)) ==
+           item_;
+}
+
+void TreeItemNode::SetSelected(bool selected) {
+    const TreeControl& owner = Owner();
+    if (selected == Selected()) return;
+    const TreeControl::Quiet quiet(owner);
+    SendMessageW(owner.hWnd_, TVM_SELECTITEM, TVGN_CARET,
+                 reinterpret_cast<LPARAM>(selected ? item_ : nullptr));
+}
+
+void TreeItemNode::EnsureVisible() {
+    TreeControl& owner = Owner();
+    for (TreeItemNode* up = owner.NodeAt(TreeView_GetParent(owner.hWnd_, item_)); up != nullptr;
+         up = owner.NodeAt(TreeView_GetParent(owner.hWnd_, up->item_))) {
+        up->expanded_ = true;
+    }
+    const TreeControl::Quiet quiet(owner);
+    SendMessageW(owner.hWnd_, TVM_ENSUREVISIBLE, 0, reinterpret_cast<LPARAM>(item_));
+}
+
+std::int32_t TreeItemNode::Index() const {
+    Owner();
+    return static_cast<std::int32_t>(position_ + 1);
+}
+
+tree::NodeRef TreeItemNode::Relative(UINT flag) const {
+    const TreeControl& owner = Owner();
+    return owner.NodeOf(reinterpret_cast<HTREEITEM>(
+        SendMessageW(owner.hWnd_, TVM_GETNEXTITEM, flag, reinterpret_cast<LPARAM>(item_))));
+}
+
+tree::NodeRef TreeItemNode::Parent() const {
+    return Relative(TVGN_PARENT);
+}
+
+tree::NodeRef TreeItemNode::Child() const {
+    return Relative(TVGN_CHILD);
+}
+
+tree::NodeRef TreeItemNode::Next() const {
+    return Relative(TVGN_NEXT);
+}
+
+tree::NodeRef TreeItemNode::Previous() const {
+    return Relative(TVGN_PREVIOUS);
+}
+
+tree::NodeRef TreeItemNode::FirstSibling() const {
+    const tree::NodeRef parent = Parent();
+    if (parent) return parent->Child();
+    const TreeControl& owner = Owner();
+    return owner.NodeOf(TreeView_GetRoot(owner.hWnd_));
+}
+
+tree::NodeRef TreeItemNode::LastSibling() const {
+    tree::NodeRef last = const_cast<TreeItemNode*>(this)->shared_from_this();
+    for (tree::NodeRef next = last->Next(); next; next = next->Next())
+        last = next;
+    return last;
+}
+
+tree::NodeRef TreeItemNode::Root() const {
+    tree::NodeRef node = const_cast<TreeItemNode*>(this)->shared_from_this();
+    for (tree::NodeRef up = node->Parent(); up; up = up->Parent())
+        node = up;
+    return node;
+}
+
+std::int32_t TreeItemNode::Children() const {
+    Owner();
+    return childCount_;
+}
+
+// ---- TreeControl ----
+
+TreeControl::TreeControl(HWND parent, UINT id) {
+    constexpr DWORD kStyle = WS_CHILD | WS_VISIBLE | WS_TABSTOP | TVS_HASBUTTONS | TVS_HASLINES |
+                             TVS_LINESATROOT | TVS_EDITLABELS | TVS_SHOWSELALWAYS | TVS_INFOTIP;
+    hWnd_ = CreateWindowExW(WS_EX_CLIENTEDGE, WC_TREEVIEWW, L"", kStyle, 0, 0, 100, 100, parent,
+                            reinterpret_cast<HMENU>(static_cast<UINT_PTR>(id)),
+                            GetModuleHandleW(nullptr), nullptr);
+    if (hWnd_ == nullptr) {
+        throw VbError(static_cast<std::int32_t>(GetLastError()), "TreeView",
+                      "The tree view could not be created");
+    }
+}
+
+TreeControl::~TreeControl() {
+    // Node references that outlive the control must raise rather than reach a dead window.
+    for (auto& node : nodes_)
+        node->owner_ = nullptr;
+    if (IsWindow(hWnd_)) DestroyWindow(hWnd_);
+}
+
+bool TreeControl::Visible() const {
+    return (GetWindowLongPtrW(hWnd_, GWL_STYLE) & WS_VISIBLE) != 0;
+}
+
+void TreeControl::SetVisible(bool visible) {
+    ShowWindow(hWnd_, visible ? SW_SHOWNA : SW_HIDE);
+}
+
+tree::NodeRef TreeControl::SelectedItem() const {
+    return NodeOf(TreeView_GetSelection(hWnd_));
+}
+
+void TreeControl::BeginUpdate() {
+    if (updating_++ == 0) SendMessageW(hWnd_, WM_SETREDRAW, FALSE, 0);
+}
+
+void TreeControl::EndUpdate() {
+    if (updating_ == 0 || --updating_ > 0) return;
+    SendMessageW(hWnd_, WM_SETREDRAW, TRUE, 0);
+    InvalidateRect(hWnd_, nullptr, TRUE);
+}
+
+TreeItemNode* TreeControl::NodeAt(HTREEITEM item) const {
+    if (item == nullptr) return nullptr;
+    TVITEMW data{};
+    data.mask = TVIF_PARAM | TVIF_HANDLE;
+    data.hItem = item;
+    if (!SendMessageW(hWnd_, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&data))) return nullptr;
+    return reinterpret_cast<TreeItemNode*>(data.lParam);
+}
+
+tree::NodeRef TreeControl::NodeOf(HTREEITEM item) const {
+    TreeItemNode* node = NodeAt(item);
+    return node != nullptr ? node->shared_from_this() : nullptr;
+}
+
+tree::NodeRef TreeControl::HitTest(POINT client) const {
+    TVHITTESTINFO hit{};
+    hit.pt = client;
+    const auto item = reinterpret_cast<HTREEITEM>(
+        SendMessageW(hWnd_, TVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit)));
+    if ((hit.flags & TVHT_ONITEM) == 0) return nullptr;
+    return NodeOf(item);
+}
+
+void TreeControl::EditLabel(const tree::Node& node) {
+    const TreeItemNode& own = OwnNode(node);
+    SetFocus(hWnd_);
+    SendMessageW(hWnd_, TVM_EDITLABELW, 0, reinterpret_cast<LPARAM>(own.item_));
+}
+
+TreeItemNode& TreeControl::OwnNode(const tree::Node& node) const {
+    auto* own = dynamic_cast<const TreeItemNode*>(&node);
+    if (own == nullptr) RaiseElementNotFound();
+    if (own->owner_ == nullptr) RaiseNodeDeleted();
+    if (own->owner_ != this) RaiseElementNotFound();
+    return const_cast<TreeItemNode&>(*own);
+}
+
+TVINSERTSTRUCTW TreeControl::Placement(TreeItemNode* anchor,
+                                       tree::Relationship relationship) const {
+    TVINSERTSTRUCTW insert{};
+    insert.hParent = TVI_ROOT;
+    insert.hInsertAfter = TVI_LAST;
+    if (anchor == nullptr) return insert;
+    if (relationship == tree::Relationship::Child) {
+        insert.hParent = anchor->item_;
+        return insert;
+    }
+    const HTREEITEM parent = TreeView_GetParent(hWnd_, anchor->item_);
+    insert.hParent = parent != nullptr ? parent : TVI_ROOT;
+    switch (relationship) {
+        case tree::Relationship::First:
+            insert.hInsertAfter = TVI_FIRST;
+            break;
+        case tree::Relationship::Next:
+            insert.hInsertAfter = anchor->item_;
+            break;
+        case tree::Relationship::Previous: {
+            const HTREEITEM before = TreeView_GetPrevSibling(hWnd_, anchor->item_);
+            insert.hInsertAfter = before != nullptr ? before : TVI_FIRST;
+            break;
+        }
+        default:
+            insert.hInsertAfter = TVI_LAST;
+            break;
+    }
+    return insert;
+}
+
+tree::NodeRef TreeControl::Add(const tree::Node* relative, tree::Relationship relationship,
+                               std::string_view key, std::string_view text,
+                               std::optional<std::int32_t> image,
+                               std::optional<std::int32_t> selectedImage) {
+    TreeItemNode* anchor = relative != nullptr ? &OwnNode(*relative) : nullptr;
+    if (anchor != nullptr && (static_cast<std::int32_t>(relationship) < 0 ||
+                              static_cast<std::int32_t>(relationship) > 4)) {
+        throw VbError(tree::treeerr::kInvalidProcedureCall, kNodesSource,
+                      "Invalid procedure call or argument");
+    }
+    if (!key.empty() && byKey_.find(key) != byKey_.end()) {
+        throw VbError(tree::treeerr::kKeyNotUnique, kNodesSource,
+                      "Key is not unique in collection");
+    }
+    auto node = std::make_shared<TreeItemNode>();
+    node->owner_ = this;
+    node->key_ = key;
+    node->position_ = nodes_.size();
+
+    std::wstring wide = Utf8ToWide(text);
+    TVINSERTSTRUCTW insert = Placement(anchor, relationship);
+    insert.item.mask = TVIF_TEXT | TVIF_IMAGE | TVIF_SELECTEDIMAGE | TVIF_PARAM;
+    insert.item.pszText = wide.data();
+    insert.item.iImage = ControlImage(image);
+    insert.item.iSelectedImage = ControlImage(selectedImage);
+    insert.item.lParam = reinterpret_cast<LPARAM>(node.get());
+    {
+        const Quiet quiet(*this);
+        node->item_ = reinterpret_cast<HTREEITEM>(
+            SendMessageW(hWnd_, TVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&insert)));
+    }
+    if (node->item_ == nullptr) {
+        throw VbError(tree::treeerr::kInvalidProcedureCall, kNodesSource,
+                      "The tree view refused the node");
+    }
+    nodes_.push_back(node);
+    if (!key.empty()) byKey_.emplace(node->key_, node.get());
+    TreeItemNode* parent = NodeAt(insert.hParent == TVI_ROOT ? nullptr : insert.hParent);
+    if (parent != nullptr && ++parent->childCount_ == 1 && parent->expanded_) {
+        const Quiet quiet(*this);
+        SendMessageW(hWnd_, TVM_EXPAND, TVE_EXPAND, reinterpret_cast<LPARAM>(parent->item_));
+    }
+    return node;
+}
+
+std::int32_t TreeControl::Count() const {
+    return static_cast<std::int32_t>(nodes_.size());
+}
+
+tree::NodeRef TreeControl::Item(std::string_view key) const {
+    const auto found = byKey_.find(key);
+    if (found == byKey_.end()) RaiseElementNotFound();
+    return found->second->shared_from_this();
+}
+
+tree::NodeRef TreeControl::Item(std::int32_t index) const {
+    if (index < 1 || index > Count()) {
+        throw VbError(tree::treeerr::kIndexOutOfBounds, kNodesSource, "Index out of bounds");
+    }
+    return nodes_[static_cast<std::size_t>(index - 1)];
+}
+
+bool TreeControl::Exists(std::string_view key) const {
+    return byKey_.find(key) != byKey_.end();
+}
+
+// Marks the item's node and its descendants' nodes removed and forgets their keys.
+void TreeControl::Detach(HTREEITEM top) {
+    std::vector<HTREEITEM> pending{top};
+    while (!pending.empty()) {
+        const HTREEITEM item = pending.back();
+        pending.pop_back();
+        for (HTREEITEM child = TreeView_GetChild(hWnd_, item); child != nullptr;
+             child = TreeView_GetNextSibling(hWnd_, child)) {
+            pending.push_back(child);
+        }
+        TreeItemNode* node = NodeAt(item);
+        if (node == nullptr) continue;
+        if (!node->key_.empty()) byKey_.erase(node->key_);
+        node->owner_ = nullptr;
+        node->item_ = nullptr;
+    }
+}
+
+void TreeControl::Compact() {
+    std::erase_if(
+        nodes_, [](const std::shared_ptr<TreeItemNode>& node) { return node->owner_ == nullptr; });
+    for (std::size_t i = 0; i < nodes_.size(); ++i)
+        nodes_[i]->position_ = i;
+}
+
+void TreeControl::Remove(const tree::Node& node) {
+    TreeItemNode& top = OwnNode(node);
+    const HTREEITEM item = top.item_;
+    TreeItemNode* parent = NodeAt(TreeView_GetParent(hWnd_, item));
+    Detach(item);
+    {
+        const Quiet quiet(*this);
+        SendMessageW(hWnd_, TVM_DELETEITEM, 0, reinterpret_cast<LPARAM>(item));
+    }
+    if (parent != nullptr) --parent->childCount_;
+    Compact();
+}
+
+void TreeControl::Clear() {
+    for (auto& node : nodes_)
+        node->owner_ = nullptr;
+    {
+        const Quiet quiet(*this);
+        SendMessageW(hWnd_, TVM_DELETEITEM, 0, reinterpret_cast<LPARAM>(TVI_ROOT));
+    }
+    nodes_.clear();
+    byKey_.clear();
+}
+
+// ---- notifications ----
+
+LRESULT TreeControl::OnNotify(const NMHDR& header) {
+    if (header.hwndFrom != hWnd_) return 0;
+    switch (header.code) {
+        case NM_CUSTOMDRAW:
+            return OnCustomDraw(*reinterpret_cast<NMTVCUSTOMDRAW*>(const_cast<NMHDR*>(&header)));
+        case TVN_GETINFOTIPW:
+            OnGetInfoTip(*reinterpret_cast<NMTVGETINFOTIPW*>(const_cast<NMHDR*>(&header)));
+            return 0;
+        case TVN_ITEMEXPANDINGW:
+            return OnItemExpanding(reinterpret_cast<const NMTREEVIEWW&>(header));
+        case TVN_ITEMEXPANDEDW: {
+            const auto& change = reinterpret_cast<const NMTREEVIEWW&>(header);
+            TreeItemNode* node = NodeAt(change.itemNew.hItem);
+            if (quiet_ > 0 || node == nullptr || (change.action & TVE_COLLAPSE) == 0) return 0;
+            node->expanded_ = false;
+            if (events_.Collapse) events_.Collapse(*node);
+            return 0;
+        }
+        case TVN_BEGINLABELEDITW:
+            editing_ = reinterpret_cast<const NMTVDISPINFOW&>(header).item.hItem;
+            return FALSE;
+        case TVN_ENDLABELEDITW:
+            return OnEndLabelEdit(reinterpret_cast<const NMTVDISPINFOW&>(header));
+        case TVN_BEGINDRAGW: {
+            const auto& drag = reinterpret_cast<const NMTREEVIEWW&>(header);
+            TreeItemNode* node = NodeAt(drag.itemNew.hItem);
+            if (node != nullptr && events_.BeginDrag) events_.BeginDrag(*node);
+            return 0;
+        }
+        case TVN_SELCHANGEDW: {
+            const auto& change = reinterpret_cast<const NMTREEVIEWW&>(header);
+            if (events_.SelectionChanged) events_.SelectionChanged(NodeAt(change.itemNew.hItem));
+            return 0;
+        }
+        case NM_RETURN: {
+            TreeItemNode* node = NodeAt(TreeView_GetSelection(hWnd_));
+            if (node != nullptr && events_.Return) events_.Return(*node);
+            return TRUE;
+        }
+        case TVN_KEYDOWN: {
+            const auto& key = reinterpret_cast<const NMTVKEYDOWN&>(header);
+            TreeItemNode* node = NodeAt(TreeView_GetSelection(hWnd_));
+            if (key.wVKey == VK_F2 && node != nullptr) EditLabel(*node);
+            return 0;
+        }
+        default:
+            return 0;
+    }
+}
+
+// Only the expansion runs the handler here, so that the code tree is in place before the
+// control opens the item; the collapse runs once the item is closed.
+LRESULT TreeControl::OnItemExpanding(const NMTREEVIEWW& change) {
+    TreeItemNode* node = NodeAt(change.itemNew.hItem);
+    if (quiet_ > 0 || node == nullptr || (change.action & TVE_EXPAND) == 0) return FALSE;
+    node->expanded_ = true;
+    if (events_.Expand) events_.Expand(*node);
+    // The handler may have replaced the node; the control opens what now has children.
+    return FALSE;
+}
+
+// Some versions of the control end an edit twice (once more when its edit box loses the
+// focus); only the first end counts.
+LRESULT TreeControl::OnEndLabelEdit(const NMTVDISPINFOW& edit) {
+    if (edit.item.hItem != editing_) return FALSE;
+    editing_ = nullptr;
+    TreeItemNode* node = NodeAt(edit.item.hItem);
+    if (node == nullptr || edit.item.pszText == nullptr) return FALSE;
+    const std::string newText = WideToUtf8(edit.item.pszText);
+    if (newText == node->Text()) return FALSE;
+    if (events_.LabelEdited) events_.LabelEdited(*node, newText);
+    return FALSE;
+}
+
+LRESULT TreeControl::OnCustomDraw(NMTVCUSTOMDRAW& draw) const {
+    switch (draw.nmcd.dwDrawStage) {
+        case CDDS_PREPAINT:
+            return CDRF_NOTIFYITEMDRAW;
+        case CDDS_ITEMPREPAINT: {
+            const auto* node = reinterpret_cast<const TreeItemNode*>(draw.nmcd.lItemlParam);
+            const bool highlighted =
+                (draw.nmcd.uItemState & CDIS_SELECTED) != 0 && GetFocus() == hWnd_;
+            if (node != nullptr && node->foreColor_ != tree::kWindowTextColour && !highlighted)
+                draw.clrText = ScreenColour(node->foreColor_);
+            return CDRF_DODEFAULT;
+        }
+        default:
+            return CDRF_DODEFAULT;
+    }
+}
+
+void TreeControl::OnGetInfoTip(NMTVGETINFOTIPW& tip) const {
+    const auto* node = reinterpret_cast<const TreeItemNode*>(tip.lParam);
+    if (node == nullptr || node->tag_.empty() || tip.pszText == nullptr || tip.cchTextMax <= 0)
+        return;
+    const std::wstring wide = Utf8ToWide(node->tag_);
+    const std::size_t count = std::min<std::size_t>(wide.size(), tip.cchTextMax - 1);
+    std::copy_n(wide.data(), count, tip.pszText);
+    tip.pszText[count] = L'\0';
+}
+
+}  // namespace arbolet::windows
