@@ -113,9 +113,15 @@ docAddin::docAddin(HWND parent, explorer::UiServices* ui) {
     if (ui == nullptr) ownUi_ = std::make_unique<Win32Ui>(hWnd_);
     ui_ = ui != nullptr ? ui : ownUi_.get();
 
-    // Initialize: the menu object, the tree's subclass and the help file.
+    // Initialize: the menu object and the help file. The tree's notifications reach the
+    // document as the tree's parent, so the tree needs no subclass: one would put every message
+    // of the tree, thousands for a large code tree, through the subclassing service's look-ups.
     menu_.hWndOwner(hWnd_);
-    AttachMessage(this, tree_->hWnd(), WM_NOTIFY);
+    // Long lines' tags wrap in a tooltip of a readable width.
+    const auto tips = reinterpret_cast<HWND>(SendMessageW(tree_->hWnd(), TVM_GETTOOLTIPS, 0, 0));
+    if (tips != nullptr)
+        SendMessageW(tips, TTM_SETMAXTIPWIDTH, 0,
+                     MulDiv(400, static_cast<int>(WindowDpi(hWnd_)), 96));
     helpFile_ = HelpFilePath(OwnFolder());
     ConnectTreeEvents();
     LayOut();
@@ -124,7 +130,6 @@ docAddin::docAddin(HWND parent, explorer::UiServices* ui) {
 docAddin::~docAddin() {
     EndDrag(false, {});
     explorer_.reset();
-    if (tree_ && IsWindow(tree_->hWnd())) DetachMessage(this, tree_->hWnd(), WM_NOTIFY);
     tree_.reset();
     if (IsWindow(hWnd_)) {
         SetWindowLongPtrW(hWnd_, GWLP_USERDATA, 0);
@@ -383,17 +388,6 @@ LRESULT docAddin::Handle(UINT iMsg, WPARAM wParam, LPARAM lParam) {
             break;
     }
     return DefWindowProcW(hWnd_, iMsg, wParam, lParam);
-}
-
-// The tree's tooltip: wide enough for a long line's tag, and wrapping rather than running off.
-LRESULT docAddin::WindowProc(HWND, UINT iMsg, WPARAM, LPARAM lParam) {
-    if (iMsg != WM_NOTIFY) return 0;
-    const auto* header = reinterpret_cast<const NMHDR*>(lParam);
-    if (header->code == TTN_SHOW) {
-        const int width = MulDiv(400, static_cast<int>(WindowDpi(hWnd_)), 96);
-        SendMessageW(header->hwndFrom, TTM_SETMAXTIPWIDTH, 0, width);
-    }
-    return 0;
 }
 
 }  // namespace arbolet::windows

@@ -22,7 +22,6 @@
 #include "explorer/project_explorer.h"
 #include "explorer/ui_services.h"
 #include "windows/popupmenu/popup_menu.h"
-#include "windows/subclass/subclass.h"
 #include "windows/treeview/tree_control.h"
 
 namespace arbolet::windows {
@@ -31,7 +30,7 @@ namespace arbolet::windows {
 // also when the folder is a drive root.
 std::string HelpFilePath(std::string_view addinFolder);
 
-class docAddin final : private ISubclass {
+class docAddin final {
   public:
     // Initialize: creates the document as a child of `parent`. Message boxes and questions go
     // through `ui` when one is given (tests answer them), else through real dialogs.
@@ -70,10 +69,6 @@ class docAddin final : private ISubclass {
   private:
     static LRESULT CALLBACK Proc(HWND hWnd, UINT iMsg, WPARAM wParam, LPARAM lParam);
     LRESULT Handle(UINT iMsg, WPARAM wParam, LPARAM lParam);
-    // ISubclass: the tree's own WM_NOTIFY, from its tooltip.
-    EMsgResponse MsgResponse() override { return emrPreprocess; }
-    void MsgResponse(EMsgResponse) override {}
-    LRESULT WindowProc(HWND hWnd, UINT iMsg, WPARAM wParam, LPARAM lParam) override;
 
     void LayOut();
     void ConnectTreeEvents();

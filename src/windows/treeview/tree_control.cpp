@@ -11,6 +11,8 @@ namespace arbolet::windows {
 namespace {
 
 constexpr const char* kNodesSource = "TreeView.Nodes";
+// Stands for "after the last sibling" where a sibling pointer is expected.
+TreeItemNode* const kAtEnd = reinterpret_cast<TreeItemNode*>(std::uintptr_t{1});
 
 [[noreturn]] void RaiseElementNotFound() {
     throw VbError(tree::treeerr::kElementNotFound, kNodesSource, "Element not found");
@@ -54,85 +56,75 @@ TreeControl& TreeItemNode::Owner() const {
     return *owner_;
 }
 
+tree::NodeRef TreeItemNode::Ref(TreeItemNode* node) {
+    return node != nullptr ? node->shared_from_this() : nullptr;
+}
+
+void TreeItemNode::SetItem(UINT mask, const TVITEMW& values) {
+    const TreeControl& owner = Owner();
+    TVITEMW item = values;
+    item.mask = mask | TVIF_HANDLE;
+    item.hItem = item_;
+    SendMessageW(owner.hWnd_, TVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+}
+
 std::string TreeItemNode::Key() const {
     Owner();
     return key_;
 }
 
 std::string TreeItemNode::Text() const {
-    const TreeControl& owner = Owner();
-    wchar_t buffer[1024];
-    TVITEMW item{};
-    item.mask = TVIF_TEXT | TVIF_HANDLE;
-    item.hItem = item_;
-    item.pszText = buffer;
-    item.cchTextMax = static_cast<int>(std::size(buffer));
-    buffer[0] = L'\0';
-    SendMessageW(owner.hWnd_, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
-    return WideToUtf8(item.pszText);
+    Owner();
+    return text_;
 }
 
 void TreeItemNode::SetText(std::string_view text) {
-    const TreeControl& owner = Owner();
+    Owner();
     std::wstring wide = Utf8ToWide(text);
     TVITEMW item{};
-    item.mask = TVIF_TEXT | TVIF_HANDLE;
-    item.hItem = item_;
     item.pszText = wide.data();
-    SendMessageW(owner.hWnd_, TVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+    SetItem(TVIF_TEXT, item);
+    text_ = text;
 }
 
 bool TreeItemNode::Bold() const {
-    const TreeControl& owner = Owner();
-    const auto state = static_cast<UINT>(
-        SendMessageW(owner.hWnd_, TVM_GETITEMSTATE, reinterpret_cast<WPARAM>(item_), TVIS_BOLD));
-    return (state & TVIS_BOLD) != 0;
+    Owner();
+    return bold_;
 }
 
 void TreeItemNode::SetBold(bool bold) {
-    const TreeControl& owner = Owner();
+    Owner();
     TVITEMW item{};
-    item.mask = TVIF_STATE | TVIF_HANDLE;
-    item.hItem = item_;
     item.stateMask = TVIS_BOLD;
     item.state = bold ? TVIS_BOLD : 0;
-    SendMessageW(owner.hWnd_, TVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+    SetItem(TVIF_STATE, item);
+    bold_ = bold;
 }
 
 std::optional<std::int32_t> TreeItemNode::Image() const {
-    const TreeControl& owner = Owner();
-    TVITEMW item{};
-    item.mask = TVIF_IMAGE | TVIF_HANDLE;
-    item.hItem = item_;
-    SendMessageW(owner.hWnd_, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
-    return ModelImage(item.iImage);
+    Owner();
+    return image_;
 }
 
 void TreeItemNode::SetImage(std::optional<std::int32_t> image) {
-    const TreeControl& owner = Owner();
+    Owner();
     TVITEMW item{};
-    item.mask = TVIF_IMAGE | TVIF_HANDLE;
-    item.hItem = item_;
     item.iImage = ControlImage(image);
-    SendMessageW(owner.hWnd_, TVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+    SetItem(TVIF_IMAGE, item);
+    image_ = image;
 }
 
 std::optional<std::int32_t> TreeItemNode::SelectedImage() const {
-    const TreeControl& owner = Owner();
-    TVITEMW item{};
-    item.mask = TVIF_SELECTEDIMAGE | TVIF_HANDLE;
-    item.hItem = item_;
-    SendMessageW(owner.hWnd_, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
-    return ModelImage(item.iSelectedImage);
+    Owner();
+    return selectedImage_;
 }
 
 void TreeItemNode::SetSelectedImage(std::optional<std::int32_t> image) {
-    const TreeControl& owner = Owner();
+    Owner();
     TVITEMW item{};
-    item.mask = TVIF_SELECTEDIMAGE | TVIF_HANDLE;
-    item.hItem = item_;
     item.iSelectedImage = ControlImage(image);
-    SendMessageW(owner.hWnd_, TVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+    SetItem(TVIF_SELECTEDIMAGE, item);
+    selectedImage_ = image;
 }
 
 std::int32_t TreeItemNode::ForeColor() const {
@@ -167,17 +159,14 @@ bool TreeItemNode::Expanded() const {
 // The model remembers the state even while the node has no children, as the VB control does;
 // the control can only open an item that has some, so Add opens it when its first child comes.
 void TreeItemNode::SetExpanded(bool expanded) {
-    const TreeControl& owner = Owner();
+    TreeControl& owner = Owner();
     expanded_ = expanded;
-    const TreeControl::Quiet quiet(owner);
-    SendMessageW(owner.hWnd_, TVM_EXPAND, expanded ? TVE_EXPAND : TVE_COLLAPSE,
-                 reinterpret_cast<LPARAM>(item_));
+    owner.SyncExpanded(*this);
 }
 
 bool TreeItemNode::Selected() const {
     const TreeControl& owner = Owner();
-    return reinterpret_cast<HTREEITEM>(SendMessageW(owner.hWnd_, TVM_GETNEXTITEM, TVGN_CARET, 0)) ==
-           item_;
+    return TreeView_GetSelection(owner.hWnd_) == item_;
 }
 
 void TreeItemNode::SetSelected(bool selected) {
@@ -190,12 +179,13 @@ void TreeItemNode::SetSelected(bool selected) {
 
 void TreeItemNode::EnsureVisible() {
     TreeControl& owner = Owner();
-    for (TreeItemNode* up = owner.NodeAt(TreeView_GetParent(owner.hWnd_, item_)); up != nullptr;
-         up = owner.NodeAt(TreeView_GetParent(owner.hWnd_, up->item_))) {
-        up->expanded_ = true;
+    for (TreeItemNode* up = parent_; up != nullptr; up = up->parent_) {
+        if (!up->expanded_) {
+            up->expanded_ = true;
+            owner.SyncExpanded(*up);
+        }
     }
-    const TreeControl::Quiet quiet(owner);
-    SendMessageW(owner.hWnd_, TVM_ENSUREVISIBLE, 0, reinterpret_cast<LPARAM>(item_));
+    owner.ScrollTo(*this);
 }
 
 std::int32_t TreeItemNode::Index() const {
@@ -203,47 +193,42 @@ std::int32_t TreeItemNode::Index() const {
     return static_cast<std::int32_t>(position_ + 1);
 }
 
-tree::NodeRef TreeItemNode::Relative(UINT flag) const {
-    const TreeControl& owner = Owner();
-    return owner.NodeOf(reinterpret_cast<HTREEITEM>(
-        SendMessageW(owner.hWnd_, TVM_GETNEXTITEM, flag, reinterpret_cast<LPARAM>(item_))));
-}
-
 tree::NodeRef TreeItemNode::Parent() const {
-    return Relative(TVGN_PARENT);
+    Owner();
+    return Ref(parent_);
 }
 
 tree::NodeRef TreeItemNode::Child() const {
-    return Relative(TVGN_CHILD);
+    Owner();
+    return Ref(firstChild_);
 }
 
 tree::NodeRef TreeItemNode::Next() const {
-    return Relative(TVGN_NEXT);
+    Owner();
+    return Ref(next_);
 }
 
 tree::NodeRef TreeItemNode::Previous() const {
-    return Relative(TVGN_PREVIOUS);
+    Owner();
+    return Ref(previous_);
 }
 
 tree::NodeRef TreeItemNode::FirstSibling() const {
-    const tree::NodeRef parent = Parent();
-    if (parent) return parent->Child();
     const TreeControl& owner = Owner();
-    return owner.NodeOf(TreeView_GetRoot(owner.hWnd_));
+    return Ref(parent_ != nullptr ? parent_->firstChild_ : owner.firstRoot_);
 }
 
 tree::NodeRef TreeItemNode::LastSibling() const {
-    tree::NodeRef last = const_cast<TreeItemNode*>(this)->shared_from_this();
-    for (tree::NodeRef next = last->Next(); next; next = next->Next())
-        last = next;
-    return last;
+    const TreeControl& owner = Owner();
+    return Ref(parent_ != nullptr ? parent_->lastChild_ : owner.lastRoot_);
 }
 
 tree::NodeRef TreeItemNode::Root() const {
-    tree::NodeRef node = const_cast<TreeItemNode*>(this)->shared_from_this();
-    for (tree::NodeRef up = node->Parent(); up; up = up->Parent())
-        node = up;
-    return node;
+    Owner();
+    const TreeItemNode* node = this;
+    while (node->parent_ != nullptr)
+        node = node->parent_;
+    return Ref(const_cast<TreeItemNode*>(node));
 }
 
 std::int32_t TreeItemNode::Children() const {
@@ -290,6 +275,7 @@ void TreeControl::BeginUpdate() {
 
 void TreeControl::EndUpdate() {
     if (updating_ == 0 || --updating_ > 0) return;
+    FlushPending();
     SendMessageW(hWnd_, WM_SETREDRAW, TRUE, 0);
     InvalidateRect(hWnd_, nullptr, TRUE);
 }
@@ -331,35 +317,48 @@ TreeItemNode& TreeControl::OwnNode(const tree::Node& node) const {
     return const_cast<TreeItemNode&>(*own);
 }
 
-TVINSERTSTRUCTW TreeControl::Placement(TreeItemNode* anchor,
-                                       tree::Relationship relationship) const {
-    TVINSERTSTRUCTW insert{};
-    insert.hParent = TVI_ROOT;
-    insert.hInsertAfter = TVI_LAST;
-    if (anchor == nullptr) return insert;
-    if (relationship == tree::Relationship::Child) {
-        insert.hParent = anchor->item_;
-        return insert;
+void TreeControl::Placement(TreeItemNode* anchor, tree::Relationship relationship,
+                            TreeItemNode*& parent, TreeItemNode*& after) {
+    parent = nullptr;
+    after = nullptr;
+    if (anchor == nullptr) {
+        after = kAtEnd;
+        return;
     }
-    const HTREEITEM parent = TreeView_GetParent(hWnd_, anchor->item_);
-    insert.hParent = parent != nullptr ? parent : TVI_ROOT;
+    if (relationship == tree::Relationship::Child) {
+        parent = anchor;
+        after = kAtEnd;
+        return;
+    }
+    parent = anchor->parent_;
     switch (relationship) {
         case tree::Relationship::First:
-            insert.hInsertAfter = TVI_FIRST;
+            after = nullptr;
             break;
         case tree::Relationship::Next:
-            insert.hInsertAfter = anchor->item_;
+            after = anchor;
             break;
-        case tree::Relationship::Previous: {
-            const HTREEITEM before = TreeView_GetPrevSibling(hWnd_, anchor->item_);
-            insert.hInsertAfter = before != nullptr ? before : TVI_FIRST;
+        case tree::Relationship::Previous:
+            after = anchor->previous_;
             break;
-        }
         default:
-            insert.hInsertAfter = TVI_LAST;
+            after = kAtEnd;
             break;
     }
-    return insert;
+}
+
+// Puts the node into the cached links: under `parent` (nullptr: the top level), after `after`
+// (nullptr: first; kAtEnd: last).
+void TreeControl::Link(TreeItemNode& node, TreeItemNode* parent, TreeItemNode* after) {
+    TreeItemNode*& first = parent != nullptr ? parent->firstChild_ : firstRoot_;
+    TreeItemNode*& last = parent != nullptr ? parent->lastChild_ : lastRoot_;
+    if (after == kAtEnd) after = last;
+    node.parent_ = parent;
+    node.previous_ = after;
+    node.next_ = after != nullptr ? after->next_ : first;
+    (node.next_ != nullptr ? node.next_->previous_ : last) = &node;
+    (after != nullptr ? after->next_ : first) = &node;
+    if (parent != nullptr) ++parent->childCount_;
 }
 
 tree::NodeRef TreeControl::Add(const tree::Node* relative, tree::Relationship relationship,
@@ -376,13 +375,22 @@ tree::NodeRef TreeControl::Add(const tree::Node* relative, tree::Relationship re
         throw VbError(tree::treeerr::kKeyNotUnique, kNodesSource,
                       "Key is not unique in collection");
     }
+    TreeItemNode* parent = nullptr;
+    TreeItemNode* after = nullptr;
+    Placement(anchor, relationship, parent, after);
+
     auto node = std::make_shared<TreeItemNode>();
     node->owner_ = this;
     node->key_ = key;
+    node->text_ = text;
+    node->image_ = image;
+    node->selectedImage_ = selectedImage;
     node->position_ = nodes_.size();
 
     std::wstring wide = Utf8ToWide(text);
-    TVINSERTSTRUCTW insert = Placement(anchor, relationship);
+    TVINSERTSTRUCTW insert{};
+    insert.hParent = parent != nullptr ? parent->item_ : TVI_ROOT;
+    insert.hInsertAfter = after == kAtEnd ? TVI_LAST : after != nullptr ? after->item_ : TVI_FIRST;
     insert.item.mask = TVIF_TEXT | TVIF_IMAGE | TVIF_SELECTEDIMAGE | TVIF_PARAM;
     insert.item.pszText = wide.data();
     insert.item.iImage = ControlImage(image);
@@ -397,13 +405,10 @@ tree::NodeRef TreeControl::Add(const tree::Node* relative, tree::Relationship re
         throw VbError(tree::treeerr::kInvalidProcedureCall, kNodesSource,
                       "The tree view refused the node");
     }
+    Link(*node, parent, after);
     nodes_.push_back(node);
     if (!key.empty()) byKey_.emplace(node->key_, node.get());
-    TreeItemNode* parent = NodeAt(insert.hParent == TVI_ROOT ? nullptr : insert.hParent);
-    if (parent != nullptr && ++parent->childCount_ == 1 && parent->expanded_) {
-        const Quiet quiet(*this);
-        SendMessageW(hWnd_, TVM_EXPAND, TVE_EXPAND, reinterpret_cast<LPARAM>(parent->item_));
-    }
+    if (parent != nullptr && parent->childCount_ == 1 && parent->expanded_) SyncExpanded(*parent);
     return node;
 }
 
@@ -428,21 +433,20 @@ bool TreeControl::Exists(std::string_view key) const {
     return byKey_.find(key) != byKey_.end();
 }
 
-// Marks the item's node and its descendants' nodes removed and forgets their keys.
-void TreeControl::Detach(HTREEITEM top) {
-    std::vector<HTREEITEM> pending{top};
+// Marks the node and its descendants removed and forgets their keys; the caller compacts.
+void TreeControl::Detach(TreeItemNode& top) {
+    std::vector<TreeItemNode*> pending{&top};
     while (!pending.empty()) {
-        const HTREEITEM item = pending.back();
+        TreeItemNode* node = pending.back();
         pending.pop_back();
-        for (HTREEITEM child = TreeView_GetChild(hWnd_, item); child != nullptr;
-             child = TreeView_GetNextSibling(hWnd_, child)) {
+        for (TreeItemNode* child = node->firstChild_; child != nullptr; child = child->next_)
             pending.push_back(child);
-        }
-        TreeItemNode* node = NodeAt(item);
-        if (node == nullptr) continue;
         if (!node->key_.empty()) byKey_.erase(node->key_);
         node->owner_ = nullptr;
         node->item_ = nullptr;
+        node->parent_ = node->firstChild_ = node->lastChild_ = nullptr;
+        node->previous_ = node->next_ = nullptr;
+        node->childCount_ = 0;
     }
 }
 
@@ -456,13 +460,17 @@ void TreeControl::Compact() {
 void TreeControl::Remove(const tree::Node& node) {
     TreeItemNode& top = OwnNode(node);
     const HTREEITEM item = top.item_;
-    TreeItemNode* parent = NodeAt(TreeView_GetParent(hWnd_, item));
-    Detach(item);
+    TreeItemNode* parent = top.parent_;
+    (top.previous_ != nullptr ? top.previous_->next_
+                              : (parent != nullptr ? parent->firstChild_ : firstRoot_)) = top.next_;
+    (top.next_ != nullptr ? top.next_->previous_
+                          : (parent != nullptr ? parent->lastChild_ : lastRoot_)) = top.previous_;
+    if (parent != nullptr) --parent->childCount_;
+    Detach(top);
     {
         const Quiet quiet(*this);
         SendMessageW(hWnd_, TVM_DELETEITEM, 0, reinterpret_cast<LPARAM>(item));
     }
-    if (parent != nullptr) --parent->childCount_;
     Compact();
 }
 
@@ -475,6 +483,41 @@ void TreeControl::Clear() {
     }
     nodes_.clear();
     byKey_.clear();
+    firstRoot_ = lastRoot_ = nullptr;
+    pendingExpand_.clear();
+    pendingVisible_.reset();
+}
+
+void TreeControl::SyncExpanded(TreeItemNode& node) {
+    if (&node == expanding_) return;
+    if (updating_ > 0) {
+        pendingExpand_.push_back(node.weak_from_this());
+        return;
+    }
+    const Quiet quiet(*this);
+    SendMessageW(hWnd_, TVM_EXPAND, node.expanded_ ? TVE_EXPAND : TVE_COLLAPSE,
+                 reinterpret_cast<LPARAM>(node.item_));
+}
+
+void TreeControl::ScrollTo(TreeItemNode& node) {
+    if (updating_ > 0) {
+        pendingVisible_ = node.weak_from_this();
+        return;
+    }
+    const Quiet quiet(*this);
+    SendMessageW(hWnd_, TVM_ENSUREVISIBLE, 0, reinterpret_cast<LPARAM>(node.item_));
+}
+
+void TreeControl::FlushPending() {
+    std::vector<std::weak_ptr<TreeItemNode>> expand;
+    expand.swap(pendingExpand_);
+    for (const auto& weak : expand) {
+        const auto node = weak.lock();
+        if (node && node->owner_ == this) SyncExpanded(*node);
+    }
+    const auto visible = pendingVisible_.lock();
+    pendingVisible_.reset();
+    if (visible && visible->owner_ == this) ScrollTo(*visible);
 }
 
 // ---- notifications ----
@@ -535,7 +578,10 @@ LRESULT TreeControl::OnItemExpanding(const NMTREEVIEWW& change) {
     TreeItemNode* node = NodeAt(change.itemNew.hItem);
     if (quiet_ > 0 || node == nullptr || (change.action & TVE_EXPAND) == 0) return FALSE;
     node->expanded_ = true;
+    // The control opens the item itself once the handler is done.
+    expanding_ = node;
     if (events_.Expand) events_.Expand(*node);
+    expanding_ = nullptr;
     // The handler may have replaced the node; the control opens what now has children.
     return FALSE;
 }

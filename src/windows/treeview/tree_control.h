@@ -1,8 +1,11 @@
 // The comctl32 tree view as the explorer's keyed tree: every node of the model is one item of a
-// real control. Texts, pictures and the bold state live in the control and are read back from
-// it; keys, tags and colours live beside it (colours reach the screen through custom draw, tags
-// as info tips). Changes made through this interface never raise the control's own
-// notifications, so the explorer's handlers run only for what the user did.
+// real control. Each node also keeps what it wrote to the control (text, pictures, bold state,
+// its place among its relatives), because some versions of the control look an item up in a
+// list on every message, which would make walking the tree quadratic. Keys, tags and colours
+// live only in the node (colours reach the screen through custom draw, tags as info tips).
+// Changes made through this interface never raise the control's own notifications, so the
+// explorer's handlers run only for what the user did; under BeginUpdate the control opens
+// items and scrolls only once, at EndUpdate.
 #pragma once
 
 #include <windows.h>
@@ -62,14 +65,25 @@ class TreeItemNode final : public tree::Node, public std::enable_shared_from_thi
 
     // Raises kNodeDeleted for a node that has been removed.
     TreeControl& Owner() const;
-    tree::NodeRef Relative(UINT flag) const;
+    static tree::NodeRef Ref(TreeItemNode* node);
+    void SetItem(UINT mask, const TVITEMW& values);
 
     TreeControl* owner_ = nullptr;  // nullptr once removed
     HTREEITEM item_ = nullptr;
     std::string key_;
+    std::string text_;
     std::string tag_;
+    std::optional<std::int32_t> image_;
+    std::optional<std::int32_t> selectedImage_;
     std::int32_t foreColor_ = tree::kWindowTextColour;
+    bool bold_ = false;
     bool expanded_ = false;
+    // Relatives; nullptr at the ends and for top-level nodes' parent.
+    TreeItemNode* parent_ = nullptr;
+    TreeItemNode* firstChild_ = nullptr;
+    TreeItemNode* lastChild_ = nullptr;
+    TreeItemNode* previous_ = nullptr;
+    TreeItemNode* next_ = nullptr;
     std::int32_t childCount_ = 0;
     std::size_t position_ = 0;  // in the collection's order of addition
 };
@@ -157,9 +171,16 @@ class TreeControl final : public tree::TreeView, private tree::Nodes {
 
     TreeItemNode& OwnNode(const tree::Node& node) const;
     TreeItemNode* NodeAt(HTREEITEM item) const;
-    TVINSERTSTRUCTW Placement(TreeItemNode* anchor, tree::Relationship relationship) const;
-    void Detach(HTREEITEM top);
+    // The parent and the sibling the new node follows (nullptr: first) for Nodes.Add.
+    static void Placement(TreeItemNode* anchor, tree::Relationship relationship,
+                          TreeItemNode*& parent, TreeItemNode*& after);
+    void Link(TreeItemNode& node, TreeItemNode* parent, TreeItemNode* after);
+    void Detach(TreeItemNode& top);
     void Compact();
+    // Opens or closes an item in the control now, or at EndUpdate while updating.
+    void SyncExpanded(TreeItemNode& node);
+    void ScrollTo(TreeItemNode& node);
+    void FlushPending();
     LRESULT OnCustomDraw(NMTVCUSTOMDRAW& draw) const;
     void OnGetInfoTip(NMTVGETINFOTIPW& tip) const;
     LRESULT OnItemExpanding(const NMTREEVIEWW& change);
@@ -169,7 +190,14 @@ class TreeControl final : public tree::TreeView, private tree::Nodes {
     TreeControlEvents events_;
     std::vector<std::shared_ptr<TreeItemNode>> nodes_;
     std::unordered_map<std::string, TreeItemNode*, KeyHash, std::equal_to<>> byKey_;
-    HTREEITEM editing_ = nullptr;  // the item whose label is being edited
+    TreeItemNode* firstRoot_ = nullptr;
+    TreeItemNode* lastRoot_ = nullptr;
+    // Work for the control held back until EndUpdate: items to open or close, and the last
+    // item to scroll into view.
+    std::vector<std::weak_ptr<TreeItemNode>> pendingExpand_;
+    std::weak_ptr<TreeItemNode> pendingVisible_;
+    HTREEITEM editing_ = nullptr;        // the item whose label is being edited
+    TreeItemNode* expanding_ = nullptr;  // the item the user is opening
     mutable int quiet_ = 0;
     int updating_ = 0;
     bool removed_ = false;  // nodes were removed since the last compaction
