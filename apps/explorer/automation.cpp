@@ -140,7 +140,163 @@ void WriteTree(windows::TreeControl& tree, const Expansion& expansion, cli::Json
     }
 }
 
+// Reads the open menu from a thread timer, which the menu's own message loop dispatches.
+class MenuReader {
+  public:
+    MenuReader(windows::cPopupMenu& menu, HWND window, std::filesystem::path screenshot)
+        : menu_(menu), window_(window), screenshot_(std::move(screenshot)) {
+        current_ = this;
+        timer_ = SetTimer(nullptr, 0, 100, &MenuReader::Tick);
+    }
+    ~MenuReader() {
+        KillTimer(nullptr, timer_);
+        current_ = nullptr;
+    }
+    MenuReader(const MenuReader&) = delete;
+    MenuReader& operator=(const MenuReader&) = delete;
+
+    bool Read() const { return read_; }
+    const std::string& Json() const { return json_; }
+    bool PictureSaved() const { return pictureSaved_; }
+
+  private:
+    static void CALLBACK Tick(HWND, UINT, UINT_PTR, DWORD) {
+        if (current_ != nullptr) current_->OnTick();
+    }
+
+    void OnTick() {
+        const HWND open = FindWindowExW(nullptr, nullptr, L"#32768", nullptr);
+        if (open == nullptr || !IsWindowVisible(open)) {
+            if (++waited_ > 30) EndMenu();  // no menu came up; do not wait for ever
+            return;
+        }
+        const auto root = reinterpret_cast<HMENU>(SendMessageW(open, MN_GETHMENU, 0, 0));
+        std::ostringstream text;
+        {
+            cli::JsonWriter json(text);
+            json.BeginObject();
+            json.Key("items");
+            WriteMenu(json, root);
+            json.EndObject();
+        }
+        text << '\n';
+        json_ = text.str();
+        read_ = root != nullptr;
+        if (!screenshot_.empty()) pictureSaved_ = SaveScreenshot(window_, screenshot_);
+        EndMenu();
+    }
+
+    // The model's item behind an entry of a system menu: by its command, or by its sub-menu.
+    std::int32_t ItemOf(const MENUITEMINFOW& info) const {
+        const auto id = info.hSubMenu != nullptr ? reinterpret_cast<std::intptr_t>(info.hSubMenu)
+                                                 : static_cast<std::intptr_t>(info.wID);
+        for (std::int32_t i = 1; i <= menu_.Count(); ++i) {
+            if (menu_.IDForItem(i) == id) return i;
+        }
+        return 0;
+    }
+
+    void WriteMenu(cli::JsonWriter& json, HMENU handle) const {
+        json.BeginArray();
+        const int count = GetMenuItemCount(handle);
+        for (int position = 0; position < count; ++position) {
+            MENUITEMINFOW info{};
+            info.cbSize = sizeof(info);
+            info.fMask = MIIM_FTYPE | MIIM_STATE | MIIM_ID | MIIM_SUBMENU;
+            if (!GetMenuItemInfoW(handle, static_cast<UINT>(position), TRUE, &info)) continue;
+            const std::int32_t item = ItemOf(info);
+            const std::string caption = item > 0 ? menu_.Caption(item) : std::string();
+            json.BeginObject();
+            json.Key("caption");
+            json.String(caption);
+            json.Key("key");
+            json.String(item > 0 ? menu_.ItemKey(item) : std::string());
+            json.Key("enabled");
+            json.Bool((info.fState & (MFS_DISABLED | MFS_GRAYED)) == 0);
+            json.Key("separator");
+            json.Bool((info.fType & MFT_SEPARATOR) != 0 || caption == "-");
+            json.Key("items");
+            if (info.hSubMenu != nullptr) {
+                WriteMenu(json, info.hSubMenu);
+            } else {
+                json.BeginArray();
+                json.EndArray();
+            }
+            json.EndObject();
+        }
+        json.EndArray();
+    }
+
+    static inline MenuReader* current_ = nullptr;
+    windows::cPopupMenu& menu_;
+    HWND window_;
+    std::filesystem::path screenshot_;
+    UINT_PTR timer_ = 0;
+    int waited_ = 0;
+    bool read_ = false;
+    bool pictureSaved_ = false;
+    std::string json_;
+};
+
+// Where a right click on the node lands, in screen co-ordinates: the middle of its caption;
+// for empty tree space, below the last item.
+bool ClickPoint(windows::TreeControl& tree, const tree::Node* node, POINT& screen) {
+    RECT area{};
+    if (node != nullptr) {
+        const auto& item = dynamic_cast<const windows::TreeItemNode&>(*node);
+        if (!windows::ItemRect(tree.hWnd(), item.Item(), true, area)) return false;
+        screen = {(area.left + area.right) / 2, (area.top + area.bottom) / 2};
+    } else {
+        GetClientRect(tree.hWnd(), &area);
+        screen = {area.right / 2, area.bottom - 4};
+    }
+    ClientToScreen(tree.hWnd(), &screen);
+    return true;
+}
+
 }  // namespace
+
+bool DumpMenu(MainWindow& window, const std::string& key, const std::filesystem::path& out,
+              const std::filesystem::path& screenshot, std::string& error) {
+    windows::docAddin& document = window.Document();
+    windows::TreeControl& tree = document.treMain();
+    MenuReader reader(document.PopupMenu(), window.hWnd(), screenshot);
+    if (key == "#background") {
+        POINT corner{2, 2};
+        ClientToScreen(document.hWnd(), &corner);
+        document.ShowBackgroundMenu(corner);
+    } else {
+        if (!key.empty() && !tree.Exists(key)) {
+            error = "No node has the key " + key;
+            return false;
+        }
+        const tree::NodeRef node = key.empty() ? nullptr : tree.Item(key);
+        if (node) node->EnsureVisible();
+        POINT at{};
+        if (!ClickPoint(tree, node.get(), at)) {
+            error = "The node " + key + " cannot be shown";
+            return false;
+        }
+        // As a right click: the node is selected first.
+        if (node) node->SetSelected(true);
+        document.ShowTreeMenu(node.get(), at);
+    }
+    if (!reader.Read()) {
+        error = "No menu opened for " + (key.empty() ? std::string("empty tree space") : key);
+        return false;
+    }
+    std::ofstream file(out, std::ios::binary);
+    file << reader.Json();
+    if (!file) {
+        error = "Cannot write " + windows::WideToUtf8(out.wstring());
+        return false;
+    }
+    if (!screenshot.empty() && !reader.PictureSaved()) {
+        error = "Cannot write " + windows::WideToUtf8(screenshot.wstring());
+        return false;
+    }
+    return true;
+}
 
 bool DumpTree(MainWindow& window, const std::string& expand, const std::filesystem::path& out) {
     std::ostringstream text;

@@ -16,6 +16,15 @@ namespace arbolet::explorer_app {
 // tag from the node the item shows. False when the file cannot be written.
 bool DumpTree(MainWindow& window, const std::string& expand, const std::filesystem::path& out);
 
+// Opens the context menu of the node with `key` ("" for empty tree space, "#background" for the
+// document's background) as a right click there does, reads the real menu while it is open
+// (caption with its "&", key, enabled state, separator, sub-menu items), closes it and writes
+// {"items":[...]}; takes the picture `screenshot` of it first when one is named. False, with
+// the reason in `error`, when there is no such node, no menu opened, or a file cannot be
+// written.
+bool DumpMenu(MainWindow& window, const std::string& key, const std::filesystem::path& out,
+              const std::filesystem::path& screenshot, std::string& error);
+
 // Saves a picture of the window and of any menu open over it; false when nothing was captured
 // or the file cannot be written.
 bool SaveScreenshot(HWND window, const std::filesystem::path& out);

@@ -25,10 +25,11 @@ struct Arguments {
     std::vector<std::string> projects;
     std::string dumpTree;
     std::string expand;
+    std::vector<std::string> dumpMenu;  // the node's key and the output file
     std::string screenshot;
     analysis::DisplayOptions display;
 
-    bool Automated() const { return !dumpTree.empty() || !screenshot.empty(); }
+    bool Automated() const { return !dumpTree.empty() || !dumpMenu.empty() || !screenshot.empty(); }
 };
 
 std::vector<std::string> CommandLineArguments() {
@@ -64,6 +65,12 @@ std::optional<Arguments> Parse(int& status) {
                    "Write the tree read back from the control as JSON, then exit");
     app.add_option("--expand", arguments.expand,
                    "With --dump-tree: open these components first (all, or names with commas)");
+    app.add_option("--dump-menu", arguments.dumpMenu,
+                   "KEY OUT: open the context menu of the node with KEY as a right click would, "
+                   "write it as JSON to OUT, then exit (KEY \"\": empty tree space, #background: "
+                   "the document's background)")
+        ->expected(2)
+        ->allow_extra_args(false);
     app.add_option("--screenshot", arguments.screenshot,
                    "Save a picture of the window as PNG after the other options, then exit");
     cli::AddDisplayFlags(app, arguments.display);
@@ -107,6 +114,16 @@ int RunAutomated(const Arguments& arguments) {
         !DumpTree(window, arguments.expand, PathOf(arguments.dumpTree))) {
         Report("Cannot write " + arguments.dumpTree, true);
         return 2;
+    }
+    if (!arguments.dumpMenu.empty()) {
+        // With a menu, the picture is taken while it is open.
+        std::string error;
+        if (!DumpMenu(window, arguments.dumpMenu[0], PathOf(arguments.dumpMenu[1]),
+                      PathOf(arguments.screenshot), error)) {
+            Report(error, true);
+            return 2;
+        }
+        return 0;
     }
     if (!arguments.screenshot.empty()) {
         UpdateWindow(window.hWnd());

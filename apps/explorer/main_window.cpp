@@ -166,13 +166,8 @@ void MainWindow::OnSelectionChanged(tree::Node* node) {
     try {
         const auto projects = environment_->VBProjects();
         env::VBProjectRef project;
-        if (node != nullptr) {
-            const tree::NodeRef root = node->Root();
-            const std::string name(explorer::KeyField(root->Key(), 1));
-            for (std::int32_t i = 1; i <= projects->Count() && !project; ++i) {
-                if (projects->Item(i)->Name() == name) project = projects->Item(i);
-            }
-        }
+        explorer::ProjectExplorer* explorer = document_->Explorer();
+        if (node != nullptr && explorer != nullptr) project = explorer->ProjectOfNode(*node);
         if (!project) project = projects->StartProject();
         if (project) environment_->SetActiveVBProject(project);
     } catch (const std::exception&) {
@@ -287,7 +282,9 @@ LRESULT CALLBACK MainWindow::Proc(HWND hWnd, UINT iMsg, WPARAM wParam, LPARAM lP
 LRESULT MainWindow::Handle(UINT iMsg, WPARAM wParam, LPARAM lParam) {
     switch (iMsg) {
         case WM_CREATE:
-            document_ = std::make_unique<windows::docAddin>(hWnd_, ui_);
+            frontEnd_ = std::make_unique<ExplorerFrontEnd>(hWnd_);
+            document_ = std::make_unique<windows::docAddin>(hWnd_, *frontEnd_, ui_);
+            frontEnd_->HelpFile(document_->HelpFile());
             document_->ProjectFilesDropped = [this](const std::vector<std::filesystem::path>& f) {
                 Open(f);
             };

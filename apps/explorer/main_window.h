@@ -11,6 +11,7 @@
 #include "analysis/display_options.h"
 #include "disk/disk_environment.h"
 #include "disk_follower.h"
+#include "explorer_front_end.h"
 #include "windows/document/doc_addin.h"
 
 namespace arbolet::explorer_app {
@@ -59,6 +60,7 @@ class MainWindow {
     explorer::UiServices* ui_;
     HWND hWnd_ = nullptr;
     HACCEL accelerators_ = nullptr;
+    std::unique_ptr<ExplorerFrontEnd> frontEnd_;
     std::unique_ptr<windows::docAddin> document_;
     std::shared_ptr<disk::DiskEnvironment> environment_;
     std::vector<std::filesystem::path> openFiles_;

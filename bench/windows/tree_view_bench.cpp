@@ -31,6 +31,17 @@ struct SilentUi : arbolet::explorer::UiServices {
     void Beep() override {}
 };
 
+// The commands are not run here.
+struct NoFrontEnd : arbolet::commands::FrontEnd {
+    void ShowProperties() override {}
+    void ShowAbout() override {}
+    void ShowHelp() override {}
+    void Hide() override {}
+    void ShowObject(const arbolet::env::VBComponent&) override {}
+    void ShowCode(const arbolet::env::VBComponent&, std::int64_t) override {}
+    bool SelectForProperties(const arbolet::env::VBComponent&) override { return false; }
+};
+
 void Pump() {
     MSG message;
     while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
@@ -82,7 +93,8 @@ int main() {
     ShowWindow(frame, SW_SHOWNOACTIVATE);
     SilentUi ui;
     arbolet::analysis::FixedDisplayOptions options;
-    arbolet::windows::docAddin document(frame, &ui);
+    NoFrontEnd frontEnd;
+    arbolet::windows::docAddin document(frame, frontEnd, &ui);
     document.Resize(0, 0, 400, 660);
     document.SetEnvironment(BigProject(), &options);
     Pump();

@@ -86,7 +86,8 @@ std::string HelpFilePath(std::string_view addinFolder) {
     return path + "Arbolet.chm";
 }
 
-docAddin::docAddin(HWND parent, explorer::UiServices* ui) {
+docAddin::docAddin(HWND parent, commands::FrontEnd& frontEnd, explorer::UiServices* ui)
+    : frontEnd_(frontEnd) {
     static const ATOM registered = RegisterDocumentClass(&docAddin::Proc);
     (void)registered;
     hWnd_ = CreateWindowExW(WS_EX_CONTROLPARENT | WS_EX_ACCEPTFILES, kClassName, L"",
@@ -117,6 +118,9 @@ docAddin::docAddin(HWND parent, explorer::UiServices* ui) {
     // document as the tree's parent, so the tree needs no subclass: one would put every message
     // of the tree, thousands for a large code tree, through the subclassing service's look-ups.
     menu_.hWndOwner(hWnd_);
+    menu_.Click = [this](std::int32_t item) {
+        if (dispatcher_) RunCommand([&] { return dispatcher_->ItemClicked(menu_, item); });
+    };
     // Long lines' tags wrap in a tooltip of a readable width.
     const auto tips = reinterpret_cast<HWND>(SendMessageW(tree_->hWnd(), TVM_GETTOOLTIPS, 0, 0));
     if (tips != nullptr)
@@ -129,6 +133,8 @@ docAddin::docAddin(HWND parent, explorer::UiServices* ui) {
 
 docAddin::~docAddin() {
     EndDrag(false, {});
+    dispatcher_.reset();
+    contextMenus_.reset();
     explorer_.reset();
     tree_.reset();
     if (IsWindow(hWnd_)) {
@@ -139,6 +145,8 @@ docAddin::~docAddin() {
 
 void docAddin::SetEnvironment(std::shared_ptr<env::VBE> vbe,
                               analysis::IDisplayOptionSource* displayOptions) {
+    dispatcher_.reset();
+    contextMenus_.reset();
     explorer_.reset();
     vbe_ = std::move(vbe);
     displayOptions_ = displayOptions;
@@ -152,10 +160,70 @@ void docAddin::Show() {
         explorer_ = std::make_unique<explorer::ProjectExplorer>(
             vbe_, *tree_, *ui_,
             displayOptions_ != nullptr ? displayOptions_ : registryOptions_.get());
+        contextMenus_ =
+            std::make_unique<commands::ContextMenus>(menu_, vbe_, tree_->Nodes(), *explorer_);
+        dispatcher_ =
+            std::make_unique<commands::Dispatcher>(vbe_, *tree_, *explorer_, *ui_, frontEnd_);
     }
-    tree_->BeginUpdate();
+    const tree::UpdateScope update(*tree_);
     explorer_->RefreshProjects();
-    tree_->EndUpdate();
+}
+
+bool docAddin::ShowTreeMenu(const tree::Node* node, POINT screen) {
+    if (!contextMenus_ || !contextMenus_->BuildTreeMenu(commands::MouseButton::Right, node))
+        return false;
+    menu_.ShowPopupAbsolute(screen.x, screen.y);
+    return true;
+}
+
+bool docAddin::ShowBackgroundMenu(POINT screen) {
+    if (!contextMenus_ || !contextMenus_->BuildBackgroundMenu(commands::MouseButton::Right))
+        return false;
+    menu_.ShowPopupAbsolute(screen.x, screen.y);
+    return true;
+}
+
+// As in the IDE's own project explorer, a right click selects the node it is on first.
+void docAddin::OnRightClick() {
+    POINT screen{};
+    GetCursorPos(&screen);
+    POINT client = screen;
+    ScreenToClient(tree_->hWnd(), &client);
+    const tree::NodeRef node = tree_->HitTest(client);
+    if (node) node->SetSelected(true);
+    ShowTreeMenu(node.get(), screen);
+}
+
+// Shift+F10 and the menu key: the selected node's menu below its caption, or the background's
+// menu at the document's corner.
+void docAddin::OnContextMenuKey(HWND from) {
+    if (from != tree_->hWnd()) {
+        POINT corner{0, 0};
+        ClientToScreen(hWnd_, &corner);
+        ShowBackgroundMenu(corner);
+        return;
+    }
+    const tree::NodeRef node = tree_->SelectedItem();
+    RECT area{};
+    if (!node ||
+        !ItemRect(tree_->hWnd(), dynamic_cast<const TreeItemNode&>(*node).Item(), true, area)) {
+        GetClientRect(tree_->hWnd(), &area);
+        area.bottom = area.top;
+    }
+    POINT at{area.left, area.bottom};
+    ClientToScreen(tree_->hWnd(), &at);
+    ShowTreeMenu(node.get(), at);
+}
+
+// A command from a menu, a button or a key; a host that saves by itself hears of the change.
+void docAddin::RunCommand(const std::function<explorer::Outcome()>& command) {
+    try {
+        const tree::UpdateScope update(*tree_);
+        command();
+    } catch (const std::exception&) {
+        // The command has said what went wrong, or there was nothing to say.
+    }
+    if (Edited) Edited();
 }
 
 void docAddin::Resize(int left, int top, int width, int height) {
@@ -183,11 +251,16 @@ void docAddin::ConnectTreeEvents() {
     events.Expand = [this](tree::Node& node) {
         if (!explorer_) return;
         const HCURSOR previous = SetCursor(LoadCursor(nullptr, IDC_WAIT));
-        tree_->BeginUpdate();
-        explorer_->HandleExpand(node);
-        tree_->EndUpdate();
+        {
+            const tree::UpdateScope update(*tree_);
+            explorer_->HandleExpand(node);
+        }
         SetCursor(previous);
     };
+    events.Return = [this](tree::Node&) {
+        if (dispatcher_) RunCommand([&] { return dispatcher_->ViewSelected(true); });
+    };
+    events.RightClick = [this] { OnRightClick(); };
     events.Collapse = [this](tree::Node& node) {
         deferred_.push_back({Deferred::Kind::Collapse, node.Key(), {}});
         PostMessageW(hWnd_, kRunDeferred, 0, 0);
@@ -208,21 +281,16 @@ void docAddin::RunDeferred() {
     for (const Deferred& item : work) {
         if (!explorer_ || !tree_->Exists(item.key)) continue;
         const tree::NodeRef node = tree_->Item(item.key);
-        tree_->BeginUpdate();
+        if (item.kind == Deferred::Kind::Rename) {
+            RunCommand([&] { return explorer_->AfterLabelEdit(*node, item.newText); });
+            continue;
+        }
         try {
-            if (item.kind == Deferred::Kind::Collapse) {
-                if (!node->Expanded()) explorer_->HandleCollapse(*node);
-            } else {
-                bool cancel = false;
-                explorer_->AfterLabelEdit(*node, item.newText, cancel);
-                if (!cancel && tree_->Exists(item.key) && tree_->Item(item.key) == node)
-                    node->SetText(item.newText);
-            }
+            const tree::UpdateScope update(*tree_);
+            if (!node->Expanded()) explorer_->HandleCollapse(*node);
         } catch (const std::exception&) {
             // The tree keeps what it has; a reload puts it right.
         }
-        tree_->EndUpdate();
-        if (item.kind == Deferred::Kind::Rename && Edited) Edited();
     }
 }
 
@@ -250,15 +318,7 @@ void docAddin::OnDropFiles(HDROP drop) {
     if (!projects.empty() && ProjectFilesDropped) ProjectFilesDropped(projects);
     if (files.empty() || !explorer_) return;
     const tree::NodeRef target = tree_->HitTest(at);
-    if (!target) return;
-    tree_->BeginUpdate();
-    try {
-        explorer_->DropFiles(files, *target);
-    } catch (const std::exception&) {
-        // The explorer has said what went wrong.
-    }
-    tree_->EndUpdate();
-    if (Edited) Edited();
+    if (target) RunCommand([&] { return explorer_->DropFiles(files, *target); });
 }
 
 // ---- dragging a component onto a folder ----
@@ -318,14 +378,7 @@ void docAddin::EndDrag(bool drop, POINT client) {
     TreeView_SelectDropTarget(tree_->hWnd(), nullptr);
     if (GetCapture() == hWnd_) ReleaseCapture();
     if (!target || !explorer_) return;
-    tree_->BeginUpdate();
-    try {
-        explorer_->DropComponent(drag->key, *target);
-    } catch (const std::exception&) {
-        // The explorer has said what went wrong.
-    }
-    tree_->EndUpdate();
-    if (Edited) Edited();
+    RunCommand([&] { return explorer_->DropComponent(drag->key, *target); });
 }
 
 // ---- messages ----
@@ -359,6 +412,25 @@ LRESULT docAddin::Handle(UINT iMsg, WPARAM wParam, LPARAM lParam) {
         case WM_DROPFILES:
             OnDropFiles(reinterpret_cast<HDROP>(wParam));
             return 0;
+        case WM_COMMAND:
+            if (dispatcher_ &&
+                (LOWORD(wParam) == kCodeButtonId || LOWORD(wParam) == kFormButtonId)) {
+                const bool code = LOWORD(wParam) == kCodeButtonId;
+                RunCommand([&] { return dispatcher_->ViewSelected(code); });
+                return 0;
+            }
+            break;
+        case WM_CONTEXTMENU:
+            // From the keyboard the position is -1, -1; a mouse click on the tree came as
+            // NM_RCLICK already, and on the background as WM_RBUTTONUP.
+            if (lParam == -1) OnContextMenuKey(reinterpret_cast<HWND>(wParam));
+            return 0;
+        case WM_RBUTTONUP: {
+            POINT at{static_cast<short>(LOWORD(lParam)), static_cast<short>(HIWORD(lParam))};
+            ClientToScreen(hWnd_, &at);
+            ShowBackgroundMenu(at);
+            return 0;
+        }
         case WM_MOUSEMOVE:
             if (drag_) {
                 POINT at{static_cast<short>(LOWORD(lParam)), static_cast<short>(HIWORD(lParam))};

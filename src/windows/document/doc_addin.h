@@ -18,6 +18,9 @@
 #include <vector>
 
 #include "analysis/display_options.h"
+#include "commands/context_menus.h"
+#include "commands/dispatcher.h"
+#include "commands/front_end.h"
 #include "environment/vbide.h"
 #include "explorer/project_explorer.h"
 #include "explorer/ui_services.h"
@@ -32,9 +35,11 @@ std::string HelpFilePath(std::string_view addinFolder);
 
 class docAddin final {
   public:
-    // Initialize: creates the document as a child of `parent`. Message boxes and questions go
-    // through `ui` when one is given (tests answer them), else through real dialogs.
-    explicit docAddin(HWND parent, explorer::UiServices* ui = nullptr);
+    // Initialize: creates the document as a child of `parent`. The commands open dialogs, hide
+    // the window and show components through `frontEnd`, which the host implements. Message
+    // boxes and questions go through `ui` when one is given (tests answer them), else through
+    // real dialogs.
+    docAddin(HWND parent, commands::FrontEnd& frontEnd, explorer::UiServices* ui = nullptr);
     // Terminate.
     ~docAddin();
     docAddin(const docAddin&) = delete;
@@ -58,6 +63,12 @@ class docAddin final {
     // Resize: places the document in its parent's client area and lays out its children.
     void Resize(int left, int top, int width, int height);
 
+    // Opens the context menu of a node (nullptr: empty tree space) or of the document's
+    // background at a point of the screen, as a right click there does; the chosen item's
+    // command runs before it returns. False when there is no menu to show.
+    bool ShowTreeMenu(const tree::Node* node, POINT screen);
+    bool ShowBackgroundMenu(POINT screen);
+
     // After the user changed the projects through the tree (a rename, a move, dropped files),
     // for a host that saves them itself.
     std::function<void()> Edited;
@@ -72,6 +83,9 @@ class docAddin final {
 
     void LayOut();
     void ConnectTreeEvents();
+    void OnRightClick();
+    void OnContextMenuKey(HWND from);
+    void RunCommand(const std::function<explorer::Outcome()>& command);
     void RunDeferred();
     void OnDropFiles(HDROP drop);
     // Dragging a node with the mouse.
@@ -93,7 +107,10 @@ class docAddin final {
     std::shared_ptr<env::VBE> vbe_;
     analysis::IDisplayOptionSource* displayOptions_ = nullptr;
     std::unique_ptr<analysis::IDisplayOptionSource> registryOptions_;
+    commands::FrontEnd& frontEnd_;
     std::unique_ptr<explorer::ProjectExplorer> explorer_;
+    std::unique_ptr<commands::ContextMenus> contextMenus_;
+    std::unique_ptr<commands::Dispatcher> dispatcher_;
     // Work that must wait until the control has finished the notification it is in.
     struct Deferred {
         enum class Kind { Collapse, Rename } kind;

@@ -73,6 +73,11 @@ std::string TreeItemNode::Key() const {
     return key_;
 }
 
+tree::NodeKind TreeItemNode::Kind() const {
+    Owner();
+    return kind_;
+}
+
 std::string TreeItemNode::Text() const {
     Owner();
     return text_;
@@ -110,21 +115,9 @@ void TreeItemNode::SetImage(std::optional<std::int32_t> image) {
     Owner();
     TVITEMW item{};
     item.iImage = ControlImage(image);
-    SetItem(TVIF_IMAGE, item);
+    item.iSelectedImage = item.iImage;
+    SetItem(TVIF_IMAGE | TVIF_SELECTEDIMAGE, item);
     image_ = image;
-}
-
-std::optional<std::int32_t> TreeItemNode::SelectedImage() const {
-    Owner();
-    return selectedImage_;
-}
-
-void TreeItemNode::SetSelectedImage(std::optional<std::int32_t> image) {
-    Owner();
-    TVITEMW item{};
-    item.iSelectedImage = ControlImage(image);
-    SetItem(TVIF_SELECTEDIMAGE, item);
-    selectedImage_ = image;
 }
 
 std::int32_t TreeItemNode::ForeColor() const {
@@ -213,16 +206,6 @@ tree::NodeRef TreeItemNode::Previous() const {
     return Ref(previous_);
 }
 
-tree::NodeRef TreeItemNode::FirstSibling() const {
-    const TreeControl& owner = Owner();
-    return Ref(parent_ != nullptr ? parent_->firstChild_ : owner.firstRoot_);
-}
-
-tree::NodeRef TreeItemNode::LastSibling() const {
-    const TreeControl& owner = Owner();
-    return Ref(parent_ != nullptr ? parent_->lastChild_ : owner.lastRoot_);
-}
-
 tree::NodeRef TreeItemNode::Root() const {
     Owner();
     const TreeItemNode* node = this;
@@ -255,14 +238,6 @@ TreeControl::~TreeControl() {
     for (auto& node : nodes_)
         node->owner_ = nullptr;
     if (IsWindow(hWnd_)) DestroyWindow(hWnd_);
-}
-
-bool TreeControl::Visible() const {
-    return (GetWindowLongPtrW(hWnd_, GWL_STYLE) & WS_VISIBLE) != 0;
-}
-
-void TreeControl::SetVisible(bool visible) {
-    ShowWindow(hWnd_, visible ? SW_SHOWNA : SW_HIDE);
 }
 
 tree::NodeRef TreeControl::SelectedItem() const {
@@ -362,9 +337,8 @@ void TreeControl::Link(TreeItemNode& node, TreeItemNode* parent, TreeItemNode* a
 }
 
 tree::NodeRef TreeControl::Add(const tree::Node* relative, tree::Relationship relationship,
-                               std::string_view key, std::string_view text,
-                               std::optional<std::int32_t> image,
-                               std::optional<std::int32_t> selectedImage) {
+                               std::string_view key, std::string_view text, tree::NodeKind kind,
+                               std::optional<std::int32_t> image) {
     TreeItemNode* anchor = relative != nullptr ? &OwnNode(*relative) : nullptr;
     if (anchor != nullptr && (static_cast<std::int32_t>(relationship) < 0 ||
                               static_cast<std::int32_t>(relationship) > 4)) {
@@ -382,9 +356,9 @@ tree::NodeRef TreeControl::Add(const tree::Node* relative, tree::Relationship re
     auto node = std::make_shared<TreeItemNode>();
     node->owner_ = this;
     node->key_ = key;
+    node->kind_ = kind;
     node->text_ = text;
     node->image_ = image;
-    node->selectedImage_ = selectedImage;
     node->position_ = nodes_.size();
 
     std::wstring wide = Utf8ToWide(text);
@@ -394,7 +368,7 @@ tree::NodeRef TreeControl::Add(const tree::Node* relative, tree::Relationship re
     insert.item.mask = TVIF_TEXT | TVIF_IMAGE | TVIF_SELECTEDIMAGE | TVIF_PARAM;
     insert.item.pszText = wide.data();
     insert.item.iImage = ControlImage(image);
-    insert.item.iSelectedImage = ControlImage(selectedImage);
+    insert.item.iSelectedImage = insert.item.iImage;
     insert.item.lParam = reinterpret_cast<LPARAM>(node.get());
     {
         const Quiet quiet(*this);
@@ -457,18 +431,37 @@ void TreeControl::Compact() {
         nodes_[i]->position_ = i;
 }
 
+void TreeControl::Unlink(TreeItemNode& node) {
+    TreeItemNode* parent = node.parent_;
+    (node.previous_ != nullptr ? node.previous_->next_
+                               : (parent != nullptr ? parent->firstChild_ : firstRoot_)) =
+        node.next_;
+    (node.next_ != nullptr ? node.next_->previous_
+                           : (parent != nullptr ? parent->lastChild_ : lastRoot_)) = node.previous_;
+    if (parent != nullptr) --parent->childCount_;
+}
+
 void TreeControl::Remove(const tree::Node& node) {
     TreeItemNode& top = OwnNode(node);
     const HTREEITEM item = top.item_;
-    TreeItemNode* parent = top.parent_;
-    (top.previous_ != nullptr ? top.previous_->next_
-                              : (parent != nullptr ? parent->firstChild_ : firstRoot_)) = top.next_;
-    (top.next_ != nullptr ? top.next_->previous_
-                          : (parent != nullptr ? parent->lastChild_ : lastRoot_)) = top.previous_;
-    if (parent != nullptr) --parent->childCount_;
+    Unlink(top);
     Detach(top);
     {
         const Quiet quiet(*this);
+        SendMessageW(hWnd_, TVM_DELETEITEM, 0, reinterpret_cast<LPARAM>(item));
+    }
+    Compact();
+}
+
+// The children go one by one, in a single compaction; the node itself stays in the control.
+void TreeControl::RemoveChildren(const tree::Node& node) {
+    TreeItemNode& parent = OwnNode(node);
+    if (parent.firstChild_ == nullptr) return;
+    const Quiet quiet(*this);
+    while (TreeItemNode* child = parent.firstChild_) {
+        const HTREEITEM item = child->item_;
+        Unlink(*child);
+        Detach(*child);
         SendMessageW(hWnd_, TVM_DELETEITEM, 0, reinterpret_cast<LPARAM>(item));
     }
     Compact();
@@ -556,6 +549,10 @@ LRESULT TreeControl::OnNotify(const NMHDR& header) {
             if (events_.SelectionChanged) events_.SelectionChanged(NodeAt(change.itemNew.hItem));
             return 0;
         }
+        case NM_RCLICK:
+            if (!events_.RightClick) return FALSE;
+            events_.RightClick();
+            return TRUE;
         case NM_RETURN: {
             TreeItemNode* node = NodeAt(TreeView_GetSelection(hWnd_));
             if (node != nullptr && events_.Return) events_.Return(*node);

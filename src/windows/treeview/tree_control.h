@@ -30,21 +30,21 @@ class TreeControl;
 class TreeItemNode final : public tree::Node, public std::enable_shared_from_this<TreeItemNode> {
   public:
     std::string Key() const override;
+    tree::NodeKind Kind() const override;
     std::string Text() const override;
-    void SetText(std::string_view text) override;
+    void SetText(std::string_view text);
     bool Bold() const override;
     void SetBold(bool bold) override;
+    // The same picture shows whether the item is selected or not.
     std::optional<std::int32_t> Image() const override;
-    void SetImage(std::optional<std::int32_t> image) override;
-    std::optional<std::int32_t> SelectedImage() const override;
-    void SetSelectedImage(std::optional<std::int32_t> image) override;
+    void SetImage(std::optional<std::int32_t> image);
     std::int32_t ForeColor() const override;
     void SetForeColor(std::int32_t colour) override;
     std::string Tag() const override;
     void SetTag(std::string_view tag) override;
     bool Expanded() const override;
     void SetExpanded(bool expanded) override;
-    bool Selected() const override;
+    bool Selected() const;
     void SetSelected(bool selected) override;
     void EnsureVisible() override;
 
@@ -53,9 +53,8 @@ class TreeItemNode final : public tree::Node, public std::enable_shared_from_thi
     tree::NodeRef Child() const override;
     tree::NodeRef Next() const override;
     tree::NodeRef Previous() const override;
-    tree::NodeRef FirstSibling() const override;
-    tree::NodeRef LastSibling() const override;
-    tree::NodeRef Root() const override;
+    // The top-level ancestor, or the node itself.
+    tree::NodeRef Root() const;
     std::int32_t Children() const override;
 
     HTREEITEM Item() const { return item_; }
@@ -71,10 +70,10 @@ class TreeItemNode final : public tree::Node, public std::enable_shared_from_thi
     TreeControl* owner_ = nullptr;  // nullptr once removed
     HTREEITEM item_ = nullptr;
     std::string key_;
+    tree::NodeKind kind_ = tree::NodeKind::Other;
     std::string text_;
     std::string tag_;
     std::optional<std::int32_t> image_;
-    std::optional<std::int32_t> selectedImage_;
     std::int32_t foreColor_ = tree::kWindowTextColour;
     bool bold_ = false;
     bool expanded_ = false;
@@ -97,8 +96,10 @@ struct TreeControlEvents {
     std::function<void(tree::Node& node, std::string_view newText)> LabelEdited;
     // The selection moved, by the user or by the program; nullptr when nothing is selected.
     std::function<void(tree::Node* node)> SelectionChanged;
-    // Enter on a node, and the keys that open its context menu are left to the parent.
+    // Enter on a node. The keys that open the context menu reach the parent as WM_CONTEXTMENU.
     std::function<void(tree::Node& node)> Return;
+    // A click of the right button anywhere on the control.
+    std::function<void()> RightClick;
     // The user started to drag a node with the left button.
     std::function<void(tree::Node& node)> BeginDrag;
 };
@@ -116,13 +117,10 @@ class TreeControl final : public tree::TreeView, private tree::Nodes {
 
     // ---- tree::TreeView ----
     tree::Nodes& Nodes() override { return *this; }
-    bool Visible() const override;
-    void SetVisible(bool visible) override;
     tree::NodeRef SelectedItem() const override;
-
     // Bulk changes draw once, at the end; calls nest.
-    void BeginUpdate();
-    void EndUpdate();
+    void BeginUpdate() override;
+    void EndUpdate() override;
 
     // The node of an item of the control, nullptr for none.
     tree::NodeRef NodeOf(HTREEITEM item) const;
@@ -138,14 +136,14 @@ class TreeControl final : public tree::TreeView, private tree::Nodes {
     using tree::Nodes::Add;
     using tree::Nodes::Remove;
     tree::NodeRef Add(const tree::Node* relative, tree::Relationship relationship,
-                      std::string_view key, std::string_view text,
-                      std::optional<std::int32_t> image = std::nullopt,
-                      std::optional<std::int32_t> selectedImage = std::nullopt) override;
+                      std::string_view key, std::string_view text, tree::NodeKind kind,
+                      std::optional<std::int32_t> image = std::nullopt) override;
     std::int32_t Count() const override;
     tree::NodeRef Item(std::string_view key) const override;
     tree::NodeRef Item(std::int32_t index) const override;
     bool Exists(std::string_view key) const override;
     void Remove(const tree::Node& node) override;
+    void RemoveChildren(const tree::Node& node) override;
     void Clear() override;
 
   private:
@@ -175,6 +173,7 @@ class TreeControl final : public tree::TreeView, private tree::Nodes {
     static void Placement(TreeItemNode* anchor, tree::Relationship relationship,
                           TreeItemNode*& parent, TreeItemNode*& after);
     void Link(TreeItemNode& node, TreeItemNode* parent, TreeItemNode* after);
+    void Unlink(TreeItemNode& node);
     void Detach(TreeItemNode& top);
     void Compact();
     // Opens or closes an item in the control now, or at EndUpdate while updating.
