@@ -60,6 +60,8 @@ void Report(const std::string& text, bool automated) {
 std::optional<Arguments> Parse(int& status) {
     Arguments arguments;
     CLI::App app("The Arbolet explorer: Visual Basic 6 projects as a tree.", "arbolet-explorer");
+    // Paths under Wine begin with "/", which must not read as Windows-style options.
+    app.allow_windows_style_options(false);
     app.add_option("projects", arguments.projects, ".vbp and .vbg files to open");
     app.add_option("--dump-tree", arguments.dumpTree,
                    "Write the tree read back from the control as JSON, then exit");
