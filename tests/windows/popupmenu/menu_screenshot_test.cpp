@@ -9,18 +9,14 @@
 #include <vector>
 
 #include "popupmenu/menu_robot.h"
-#include "support/png_file.h"
-#include "support/screen_capture.h"
 #include "support/test_window.h"
 #include "windows/popupmenu/popup_menu.h"
+#include "windows/screenshot/screen_capture.h"
 
 namespace arbolet::windows {
 namespace {
 
-using testing::CaptureScreen;
-using testing::CountPixels;
 using testing::MenuRobot;
-using testing::RgbImage;
 
 constexpr COLORREF kMask = RGB(255, 0, 255);
 constexpr COLORREF kRed = RGB(210, 20, 20);
@@ -48,17 +44,6 @@ HIMAGELIST MakeIcons() {
     }
     ImageList_AddMasked(images, strip.get(), kMask);
     return images;
-}
-
-RECT UnionOfWindows(const std::vector<HWND>& windows) {
-    RECT all{};
-    for (HWND hWnd : windows) {
-        RECT rc{};
-        GetWindowRect(hWnd, &rc);
-        UnionRect(&all, &all, &rc);
-    }
-    InflateRect(&all, 6, 6);
-    return all;
 }
 
 TEST(PopupMenuScreenshot, AMenuWithEveryKindOfItem) {
@@ -91,7 +76,7 @@ TEST(PopupMenuScreenshot, AMenuWithEveryKindOfItem) {
              [&] {
                  const std::vector<HWND> open = MenuRobot::OpenMenuWindows();
                  openMenus = static_cast<int>(open.size());
-                 picture = CaptureScreen(UnionOfWindows(open));
+                 picture = CaptureScreen(UnionOfWindows(open, 6));
              }},
             200);
         EXPECT_EQ(menu.ShowPopupMenu(150, 150), 0);
@@ -100,7 +85,7 @@ TEST(PopupMenuScreenshot, AMenuWithEveryKindOfItem) {
 
     ASSERT_GT(picture.width, 0);
     CreateDirectoryA("artifacts", nullptr);
-    ASSERT_TRUE(testing::WritePng("artifacts/popup_menu.png", picture));
+    ASSERT_TRUE(WritePng("artifacts/popup_menu.png", picture));
     std::printf("menu picture: artifacts/popup_menu.png (%dx%d)\n", picture.width, picture.height);
 
     EXPECT_EQ(openMenus, 2) << "the menu and its open sub-menu";

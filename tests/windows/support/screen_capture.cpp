@@ -44,14 +44,6 @@ RgbImage Render(int width, int height, const std::function<void(HDC)>& fill) {
 
 }  // namespace
 
-RgbImage CaptureScreen(const RECT& area) {
-    return Render(area.right - area.left, area.bottom - area.top, [&](HDC dc) {
-        const WindowDc screen(nullptr);
-        BitBlt(dc, 0, 0, area.right - area.left, area.bottom - area.top, screen.get(), area.left,
-               area.top, SRCCOPY);
-    });
-}
-
 RgbImage CaptureWindow(HWND hWnd) {
     RECT rc{};
     GetWindowRect(hWnd, &rc);
@@ -66,17 +58,6 @@ RgbImage DrawPicture(int width, int height, COLORREF background,
         FillRect(dc, &all, brush.get());
         draw(dc);
     });
-}
-
-int CountPixels(const RgbImage& image, COLORREF colour) {
-    int count = 0;
-    for (std::size_t i = 0; i + 2 < image.rgb.size(); i += 3) {
-        if (image.rgb[i] == GetRValue(colour) && image.rgb[i + 1] == GetGValue(colour) &&
-            image.rgb[i + 2] == GetBValue(colour)) {
-            ++count;
-        }
-    }
-    return count;
 }
 
 bool SaveArtifact(const char* fileName, const RgbImage& image) {

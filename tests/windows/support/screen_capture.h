@@ -6,19 +6,19 @@
 
 #include <functional>
 
-#include "support/png_file.h"
+#include "windows/screenshot/screen_capture.h"
 
 namespace arbolet::windows::testing {
 
-// The screen's pixels inside a rectangle (screen coordinates).
-RgbImage CaptureScreen(const RECT& area);
+using windows::CaptureScreen;
+using windows::CountPixels;
+using windows::UnionOfWindows;
+
 // A window as it stands on the screen. Without a window manager (Xvfb) it has no caption bar.
 RgbImage CaptureWindow(HWND hWnd);
 // A width x height picture drawn by `draw` into a memory device context filled with `background`.
 RgbImage DrawPicture(int width, int height, COLORREF background,
                      const std::function<void(HDC)>& draw);
-// How many pixels have exactly this colour.
-int CountPixels(const RgbImage& image, COLORREF colour);
 // Saves under "artifacts/" beside the test program (made when missing) and prints the path.
 bool SaveArtifact(const char* fileName, const RgbImage& image);
 

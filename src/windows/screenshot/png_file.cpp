@@ -1,11 +1,11 @@
 // A minimal PNG encoder: signature, IHDR, one IDAT of stored deflate blocks, IEND.
-#include "support/png_file.h"
+#include "windows/screenshot/png_file.h"
 
 #include <algorithm>
 #include <array>
 #include <fstream>
 
-namespace arbolet::windows::testing {
+namespace arbolet::windows {
 namespace {
 
 std::uint32_t Crc32(const std::uint8_t* data, std::size_t size, std::uint32_t crc = 0) {
@@ -95,4 +95,4 @@ bool WritePng(const std::string& path, const RgbImage& image) {
     return static_cast<bool>(file);
 }
 
-}  // namespace arbolet::windows::testing
+}  // namespace arbolet::windows

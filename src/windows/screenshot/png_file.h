@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace arbolet::windows::testing {
+namespace arbolet::windows {
 
 struct RgbImage {
     int width = 0;
@@ -18,4 +18,4 @@ struct RgbImage {
 std::vector<std::uint8_t> EncodePng(const RgbImage& image);
 bool WritePng(const std::string& path, const RgbImage& image);
 
-}  // namespace arbolet::windows::testing
+}  // namespace arbolet::windows

@@ -1,0 +1,330 @@
+// Reading the real tree view back, and pictures of the window.
+#include "automation.h"
+
+#include <fstream>
+#include <set>
+#include <sstream>
+#include <vector>
+
+#include "base/utf8.h"
+#include "cli/json_writer.h"
+#include "explorer/node_keys.h"
+#include "windows/registry/ansi_text.h"
+#include "windows/screenshot/screen_capture.h"
+
+namespace arbolet::explorer_app {
+namespace {
+
+// The component names asked for, lower-cased; `all` for every component.
+struct Expansion {
+    bool all = false;
+    std::set<std::string> names;
+
+    explicit Expansion(const std::string& list) {
+        all = list == "all";
+        std::stringstream items(list);
+        std::string item;
+        while (!all && std::getline(items, item, ',')) {
+            const std::string_view name = text::Trim(item);
+            if (!name.empty()) names.insert(text::ToLower(name));
+        }
+    }
+    // Component nodes carry the component picture and a key ending in "~" that is neither a
+    // project's nor a folder's.
+    bool Wants(const tree::Node& node, std::optional<std::int32_t> image) const {
+        const std::string key = node.Key();
+        const bool component = image == explorer::kComponentImage && key.ends_with('~') &&
+                               !key.starts_with("Type~") &&
+                               !key.starts_with(explorer::kProjectKeyPrefix);
+        return component && (all || names.contains(text::ToLower(node.Text())));
+    }
+};
+
+// What the control itself holds for an item.
+struct ItemState {
+    std::string text;
+    std::optional<std::int32_t> image;
+    bool bold = false;
+};
+
+ItemState ReadItem(HWND tree, HTREEITEM handle) {
+    wchar_t buffer[1024] = L"";
+    TVITEMW item{};
+    item.mask = TVIF_HANDLE | TVIF_TEXT | TVIF_IMAGE | TVIF_STATE;
+    item.hItem = handle;
+    item.stateMask = TVIS_BOLD;
+    item.pszText = buffer;
+    item.cchTextMax = static_cast<int>(std::size(buffer));
+    SendMessageW(tree, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+    return {windows::WideToUtf8(item.pszText), windows::ModelImage(item.iImage),
+            (item.state & TVIS_BOLD) != 0};
+}
+
+// Handles the messages already waiting, so that work the document put off has run.
+void Settle() {
+    MSG message;
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
+}
+
+// A key press on the tree, as the keyboard would deliver it to the focused control.
+void PressOn(HWND tree, HTREEITEM item, WPARAM key) {
+    SendMessageW(tree, TVM_SELECTITEM, TVGN_CARET, reinterpret_cast<LPARAM>(item));
+    SendMessageW(tree, WM_KEYDOWN, key, 0);
+    SendMessageW(tree, WM_KEYUP, key, 0);
+    Settle();
+}
+
+HTREEITEM ItemOf(windows::TreeControl& tree, const std::string& key) {
+    if (!tree.Exists(key)) return nullptr;
+    return dynamic_cast<const windows::TreeItemNode&>(*tree.Item(key)).Item();
+}
+
+void WriteItem(cli::JsonWriter& json, const ItemState& state, const tree::Node& node) {
+    json.BeginObject();
+    json.Key("key");
+    json.String(node.Key());
+    json.Key("text");
+    json.String(state.text);
+    json.Key("bold");
+    json.Bool(state.bold);
+    json.Key("image");
+    json.OptionalInteger(state.image ? std::optional<std::int64_t>(*state.image) : std::nullopt);
+    json.Key("colour");
+    json.Integer(static_cast<std::uint32_t>(node.ForeColor()));
+    json.Key("tag");
+    json.String(node.Tag());
+    json.Key("children");
+    json.BeginArray();
+}
+
+// Depth first without recursion; a component that is asked for is opened when it is reached
+// and closed again once its code is written, so only one code tree at a time counts against
+// the tree's node limit.
+void WriteTree(windows::TreeControl& tree, const Expansion& expansion, cli::JsonWriter& json) {
+    const HWND control = tree.hWnd();
+    struct Frame {
+        std::string key;
+        bool opened;
+    };
+    std::vector<Frame> frames;
+    HTREEITEM item = TreeView_GetRoot(control);
+    while (true) {
+        if (item != nullptr) {
+            const tree::NodeRef node = tree.NodeOf(item);
+            ItemState state = ReadItem(control, item);
+            const bool opened = node && expansion.Wants(*node, state.image);
+            if (opened) {
+                PressOn(control, item, VK_RIGHT);
+                item = ItemOf(tree, node->Key());
+                state = ReadItem(control, item);
+            }
+            if (node) WriteItem(json, state, *node);
+            frames.push_back({node ? node->Key() : std::string(), opened});
+            item = TreeView_GetChild(control, item);
+            continue;
+        }
+        if (frames.empty()) break;
+        const Frame done = frames.back();
+        frames.pop_back();
+        json.EndArray();
+        json.EndObject();
+        HTREEITEM at = ItemOf(tree, done.key);
+        if (done.opened && at != nullptr && TreeView_GetChild(control, at) != nullptr) {
+            PressOn(control, at, VK_LEFT);
+            at = ItemOf(tree, done.key);
+        }
+        item = at != nullptr ? TreeView_GetNextSibling(control, at) : nullptr;
+    }
+}
+
+// Reads the open menu from a thread timer, which the menu's own message loop dispatches.
+class MenuReader {
+  public:
+    MenuReader(windows::cPopupMenu& menu, HWND window, std::filesystem::path screenshot)
+        : menu_(menu), window_(window), screenshot_(std::move(screenshot)) {
+        current_ = this;
+        timer_ = SetTimer(nullptr, 0, 100, &MenuReader::Tick);
+    }
+    ~MenuReader() {
+        KillTimer(nullptr, timer_);
+        current_ = nullptr;
+    }
+    MenuReader(const MenuReader&) = delete;
+    MenuReader& operator=(const MenuReader&) = delete;
+
+    bool Read() const { return read_; }
+    const std::string& Json() const { return json_; }
+    bool PictureSaved() const { return pictureSaved_; }
+
+  private:
+    static void CALLBACK Tick(HWND, UINT, UINT_PTR, DWORD) {
+        if (current_ != nullptr) current_->OnTick();
+    }
+
+    void OnTick() {
+        const HWND open = FindWindowExW(nullptr, nullptr, L"#32768", nullptr);
+        if (open == nullptr || !IsWindowVisible(open)) {
+            if (++waited_ > 30) EndMenu();  // no menu came up; do not wait for ever
+            return;
+        }
+        const auto root = reinterpret_cast<HMENU>(SendMessageW(open, MN_GETHMENU, 0, 0));
+        std::ostringstream text;
+        {
+            cli::JsonWriter json(text);
+            json.BeginObject();
+            json.Key("items");
+            WriteMenu(json, root);
+            json.EndObject();
+        }
+        text << '\n';
+        json_ = text.str();
+        read_ = root != nullptr;
+        if (!screenshot_.empty()) pictureSaved_ = SaveScreenshot(window_, screenshot_);
+        EndMenu();
+    }
+
+    // The model's item behind an entry of a system menu: by its command, or by its sub-menu.
+    std::int32_t ItemOf(const MENUITEMINFOW& info) const {
+        const auto id = info.hSubMenu != nullptr ? reinterpret_cast<std::intptr_t>(info.hSubMenu)
+                                                 : static_cast<std::intptr_t>(info.wID);
+        for (std::int32_t i = 1; i <= menu_.Count(); ++i) {
+            if (menu_.IDForItem(i) == id) return i;
+        }
+        return 0;
+    }
+
+    void WriteMenu(cli::JsonWriter& json, HMENU handle) const {
+        json.BeginArray();
+        const int count = GetMenuItemCount(handle);
+        for (int position = 0; position < count; ++position) {
+            MENUITEMINFOW info{};
+            info.cbSize = sizeof(info);
+            info.fMask = MIIM_FTYPE | MIIM_STATE | MIIM_ID | MIIM_SUBMENU;
+            if (!GetMenuItemInfoW(handle, static_cast<UINT>(position), TRUE, &info)) continue;
+            const std::int32_t item = ItemOf(info);
+            const std::string caption = item > 0 ? menu_.Caption(item) : std::string();
+            json.BeginObject();
+            json.Key("caption");
+            json.String(caption);
+            json.Key("key");
+            json.String(item > 0 ? menu_.ItemKey(item) : std::string());
+            json.Key("enabled");
+            json.Bool((info.fState & (MFS_DISABLED | MFS_GRAYED)) == 0);
+            json.Key("separator");
+            json.Bool((info.fType & MFT_SEPARATOR) != 0 || caption == "-");
+            json.Key("items");
+            if (info.hSubMenu != nullptr) {
+                WriteMenu(json, info.hSubMenu);
+            } else {
+                json.BeginArray();
+                json.EndArray();
+            }
+            json.EndObject();
+        }
+        json.EndArray();
+    }
+
+    static inline MenuReader* current_ = nullptr;
+    windows::cPopupMenu& menu_;
+    HWND window_;
+    std::filesystem::path screenshot_;
+    UINT_PTR timer_ = 0;
+    int waited_ = 0;
+    bool read_ = false;
+    bool pictureSaved_ = false;
+    std::string json_;
+};
+
+// Where a right click on the node lands, in screen co-ordinates: the middle of its caption;
+// for empty tree space, below the last item.
+bool ClickPoint(windows::TreeControl& tree, const tree::Node* node, POINT& screen) {
+    RECT area{};
+    if (node != nullptr) {
+        const auto& item = dynamic_cast<const windows::TreeItemNode&>(*node);
+        if (!windows::ItemRect(tree.hWnd(), item.Item(), true, area)) return false;
+        screen = {(area.left + area.right) / 2, (area.top + area.bottom) / 2};
+    } else {
+        GetClientRect(tree.hWnd(), &area);
+        screen = {area.right / 2, area.bottom - 4};
+    }
+    ClientToScreen(tree.hWnd(), &screen);
+    return true;
+}
+
+}  // namespace
+
+bool DumpMenu(MainWindow& window, const std::string& key, const std::filesystem::path& out,
+              const std::filesystem::path& screenshot, std::string& error) {
+    windows::docAddin& document = window.Document();
+    windows::TreeControl& tree = document.treMain();
+    MenuReader reader(document.PopupMenu(), window.hWnd(), screenshot);
+    if (key == "#background") {
+        POINT corner{2, 2};
+        ClientToScreen(document.hWnd(), &corner);
+        document.ShowBackgroundMenu(corner);
+    } else {
+        if (!key.empty() && !tree.Exists(key)) {
+            error = "No node has the key " + key;
+            return false;
+        }
+        const tree::NodeRef node = key.empty() ? nullptr : tree.Item(key);
+        if (node) node->EnsureVisible();
+        POINT at{};
+        if (!ClickPoint(tree, node.get(), at)) {
+            error = "The node " + key + " cannot be shown";
+            return false;
+        }
+        // As a right click: the node is selected first.
+        if (node) node->SetSelected(true);
+        document.ShowTreeMenu(node.get(), at);
+    }
+    if (!reader.Read()) {
+        error = "No menu opened for " + (key.empty() ? std::string("empty tree space") : key);
+        return false;
+    }
+    std::ofstream file(out, std::ios::binary);
+    file << reader.Json();
+    if (!file) {
+        error = "Cannot write " + windows::WideToUtf8(out.wstring());
+        return false;
+    }
+    if (!screenshot.empty() && !reader.PictureSaved()) {
+        error = "Cannot write " + windows::WideToUtf8(screenshot.wstring());
+        return false;
+    }
+    return true;
+}
+
+bool DumpTree(MainWindow& window, const std::string& expand, const std::filesystem::path& out) {
+    std::ostringstream text;
+    {
+        cli::JsonWriter json(text);
+        json.BeginObject();
+        json.Key("nodes");
+        json.BeginArray();
+        WriteTree(window.Document().treMain(), Expansion(expand), json);
+        json.EndArray();
+        json.EndObject();
+    }
+    text << '\n';
+    std::ofstream file(out, std::ios::binary);
+    file << text.str();
+    return static_cast<bool>(file);
+}
+
+bool SaveScreenshot(HWND window, const std::filesystem::path& out) {
+    std::vector<HWND> windows{window};
+    // Open menus are top-level windows of the menu class owned by no one.
+    for (HWND menu = FindWindowExW(nullptr, nullptr, L"#32768", nullptr); menu != nullptr;
+         menu = FindWindowExW(nullptr, menu, L"#32768", nullptr)) {
+        if (IsWindowVisible(menu)) windows.push_back(menu);
+    }
+    const windows::RgbImage picture = windows::CaptureScreen(windows::UnionOfWindows(windows));
+    if (picture.width == 0) return false;
+    return windows::WritePng(windows::WideToUtf8(out.wstring()), picture);
+}
+
+}  // namespace arbolet::explorer_app

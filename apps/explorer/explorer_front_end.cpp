@@ -1,0 +1,77 @@
+// The standalone explorer's side of the commands.
+#include "explorer_front_end.h"
+
+#include <shellapi.h>
+
+#include <exception>
+
+#include "disk/codepage.h"
+#include "disk/component_file.h"
+#include "disk/file_io.h"
+#include "disk/vb_path.h"
+#include "editor_launch.h"
+#include "windows/registry/ansi_text.h"
+
+namespace arbolet::explorer_app {
+namespace {
+
+constexpr const wchar_t* kTitle = L"Arbolet Explorer";
+
+std::filesystem::path FileOf(const env::VBComponent& component) {
+    return component.FileCount() >= 1 ? disk::PathFromUtf8(component.FileNames(1))
+                                      : std::filesystem::path();
+}
+
+void Tell(HWND owner, const std::wstring& text) {
+    MessageBoxW(owner, text.c_str(), kTitle, MB_OK | MB_ICONINFORMATION);
+}
+
+}  // namespace
+
+void ExplorerFrontEnd::ShowProperties() {
+    Tell(window_,
+         L"The display options are kept in the registry with the add-in's; this build of the "
+         L"explorer has no options dialog.");
+}
+
+void ExplorerFrontEnd::ShowAbout() {
+    Tell(window_, L"Arbolet Explorer\r\nVisual Basic 6 projects as trees.");
+}
+
+void ExplorerFrontEnd::ShowHelp() {
+    const std::wstring file = windows::Utf8ToWide(helpFile_);
+    const auto result = reinterpret_cast<INT_PTR>(
+        ShellExecuteW(window_, L"open", file.c_str(), nullptr, nullptr, SW_SHOWNORMAL));
+    if (result <= 32) Tell(window_, L"Cannot open the help file " + file + L".");
+}
+
+void ExplorerFrontEnd::Hide() {
+    ShowWindow(window_, SW_MINIMIZE);
+}
+
+void ExplorerFrontEnd::ShowObject(const env::VBComponent& component) {
+    const std::filesystem::path file = FileOf(component);
+    if (!file.empty()) OpenInEditor(window_, file, 1);
+}
+
+// The code line is turned into the line of the file, past its designer block and attributes.
+void ExplorerFrontEnd::ShowCode(const env::VBComponent& component, std::int64_t line) {
+    const std::filesystem::path file = FileOf(component);
+    if (file.empty()) return;
+    std::int64_t fileLine = line;
+    try {
+        const disk::ComponentFile parsed =
+            disk::ParseComponentFile(disk::ReadFileBytes(file), disk::kDefaultCodePage);
+        if (const auto mapped = parsed.FileLineOfCodeLine(static_cast<std::int32_t>(line - 1)))
+            fileLine = *mapped;
+    } catch (const std::exception&) {
+        // An unreadable file still opens, at the code line.
+    }
+    OpenInEditor(window_, file, static_cast<std::int32_t>(fileLine));
+}
+
+bool ExplorerFrontEnd::SelectForProperties(const env::VBComponent&) {
+    return false;
+}
+
+}  // namespace arbolet::explorer_app

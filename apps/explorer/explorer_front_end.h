@@ -1,0 +1,33 @@
+// What the commands ask of the standalone explorer: View Code, View Object and Goto open the
+// component's file in the user's editor at the right line of the file; Hide minimises the
+// window; Help opens the help file beside the program; the about box names the program.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+#include "commands/front_end.h"
+
+namespace arbolet::explorer_app {
+
+class ExplorerFrontEnd final : public commands::FrontEnd {
+  public:
+    explicit ExplorerFrontEnd(HWND window) noexcept : window_(window) {}
+    void HelpFile(std::string file) { helpFile_ = std::move(file); }
+
+    void ShowProperties() override;
+    void ShowAbout() override;
+    void ShowHelp() override;
+    void Hide() override;
+    void ShowObject(const env::VBComponent& component) override;
+    void ShowCode(const env::VBComponent& component, std::int64_t line) override;
+    // There is no properties window outside the IDE.
+    bool SelectForProperties(const env::VBComponent& component) override;
+
+  private:
+    HWND window_;
+    std::string helpFile_;
+};
+
+}  // namespace arbolet::explorer_app
