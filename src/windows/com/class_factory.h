@@ -2,8 +2,9 @@
 // creates an instance of any of them. DllGetClassObject answers from the table.
 #pragma once
 
-#include <unknwn.h>
 #include <windows.h>
+
+#include <unknwn.h>
 
 #include <new>
 #include <span>

@@ -2,8 +2,9 @@
 // through the add-in (early returns, errors) leaks an object of the IDE's or its own.
 #pragma once
 
-#include <unknwn.h>
 #include <windows.h>
+
+#include <unknwn.h>
 
 #include <utility>
 

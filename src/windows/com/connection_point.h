@@ -3,8 +3,9 @@
 // add-in's connection to the IDE.
 #pragma once
 
-#include <ocidl.h>
 #include <windows.h>
+
+#include <ocidl.h>
 
 #include "windows/com/com_ptr.h"
 

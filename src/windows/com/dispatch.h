@@ -7,8 +7,9 @@
 // DISPATCH_PROPERTYPUTREF. The throwing calls raise the callee's error as a VbError.
 #pragma once
 
-#include <oaidl.h>
 #include <windows.h>
+
+#include <oaidl.h>
 
 #include <initializer_list>
 #include <map>

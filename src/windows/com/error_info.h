@@ -3,8 +3,9 @@
 // method. Inwards, a failed call on the IDE's objects becomes the VbError the explorer expects.
 #pragma once
 
-#include <oaidl.h>
 #include <windows.h>
+
+#include <oaidl.h>
 
 #include <cstdint>
 #include <exception>

@@ -2,8 +2,9 @@
 // for the arguments and results of late-bound calls.
 #pragma once
 
-#include <oaidl.h>
 #include <windows.h>
+
+#include <oaidl.h>
 
 #include <cstdint>
 #include <optional>
