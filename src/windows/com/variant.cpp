@@ -48,6 +48,12 @@ Variant Variant::Missing() noexcept {
     return result;
 }
 
+Variant Variant::Copy(const VARIANT& source) noexcept {
+    Variant result;
+    VariantCopy(&result.value_, const_cast<VARIANT*>(&source));
+    return result;
+}
+
 Variant Variant::Take(VARIANT& source) noexcept {
     Variant result;
     result.value_ = source;
@@ -82,9 +88,9 @@ std::optional<bool> Variant::ToBool() const noexcept {
 
 std::optional<std::string> Variant::ToUtf8() const {
     Variant converted;
-    if (FAILED(VariantChangeType(converted.Get(), const_cast<VARIANT*>(&Dereference(value_)), 0,
-                                 VT_BSTR)))
-        return {};
+    // VB's CStr gives "True" and "False" for Booleans, not their numbers.
+    VARIANT* source = const_cast<VARIANT*>(&Dereference(value_));
+    if (FAILED(VariantChangeType(converted.Get(), source, VARIANT_ALPHABOOL, VT_BSTR))) return {};
     return Bstr::Utf8(converted.Get()->bstrVal);
 }
 

@@ -31,6 +31,8 @@ class Variant {
 
     // An omitted optional argument, as VB passes one.
     static Variant Missing() noexcept;
+    // A copy of a VARIANT the caller keeps.
+    static Variant Copy(const VARIANT& source) noexcept;
     // Takes over the content of a VARIANT the caller owns, leaving it VT_EMPTY.
     static Variant Take(VARIANT& source) noexcept;
 
