@@ -1,0 +1,30 @@
+// Taking a component out of its project: its entry leaves the project file, its files stay.
+#include <algorithm>
+
+#include "base/vb_error.h"
+#include "disk/component_entry.h"
+#include "disk/disk_objects.h"
+
+namespace arbolet::disk {
+
+void DiskComponents::Remove(const env::VBComponentRef& component) {
+    constexpr const char* kSource = "VBComponents.Remove";
+    const auto project = std::static_pointer_cast<DiskProject>(Parent());
+    if (!project) env::enverr::RaiseObjectNotSet(kSource);
+    const auto found = std::find(items.begin(), items.end(), component);
+    if (found == items.end()) env::enverr::RaiseNotInCollection(kSource);
+    const std::shared_ptr<DiskComponent> removed = *found;
+    for (const ComponentEntry& entry : ComponentEntries(project->Text())) {
+        if (entry.kind == removed->entryKind && entry.path == removed->entryPath) {
+            project->EditText().RemoveTopLevelEntry(entry.line);
+            break;
+        }
+    }
+    items.erase(found);
+    const env::VBComponentRef gone = removed;
+    project->RaiseComponentEvent(
+        [&](env::VBComponentsEventsSink& sink) { sink.ItemRemoved(gone); });
+    removed->collection.reset();
+}
+
+}  // namespace arbolet::disk
