@@ -36,6 +36,10 @@ class ComCommandBarControl final : public env::CommandBarControl {
         control_.Put(m::CommandBarControl::Tag, Variant(tag));
     }
     void Execute() override { control_.Call(m::CommandBarControl::Execute); }
+    // accDoDefaultAction with its optional child omitted (the control itself).
+    void DoDefaultAction() override {
+        control_.Call(m::CommandBarControl::accDoDefaultAction, {Variant::Missing()});
+    }
     void Delete() override { control_.Call(m::CommandBarControl::Delete); }
     std::shared_ptr<env::CommandBarControls> Controls() const override;
     const Dispatch& Object() const { return control_; }

@@ -29,6 +29,14 @@ class ComVBE final : public env::VBE {
     std::shared_ptr<env::CommandBars> CommandBars() const override {
         return WrapCommandBars(vbe_.GetObject(m::VBE::CommandBars));
     }
+    env::VBComponentRef SelectedVBComponent() const override {
+        return WrapComponent(vbe_.GetObject(m::VBE::SelectedVBComponent));
+    }
+    // The IDE may refuse (the property is read-only in some versions): its error goes to the
+    // caller, which has a message for it.
+    void SetSelectedVBComponent(const env::VBComponentRef& component) override {
+        vbe_.PutRef(m::VBE::SelectedVBComponent, Variant(ObjectOf(component.get()).Object()));
+    }
 
   private:
     Dispatch vbe_;
@@ -46,6 +54,11 @@ env::VBProjectRef WrapProject(const Dispatch& project) {
 
 env::VBComponentRef WrapComponent(const Dispatch& component) {
     return component ? std::make_shared<ComVBComponent>(component) : nullptr;
+}
+
+Dispatch ObjectOf(const env::VBComponent* component) {
+    const auto* own = dynamic_cast<const ComVBComponent*>(component);
+    return own != nullptr ? own->Object() : Dispatch();
 }
 
 Dispatch ObjectOf(const env::VBProject* project) {
@@ -135,6 +148,10 @@ env::VBProjectRef ComVBComponents::Parent() const {
 
 env::VBComponentRef ComVBComponents::AddFile(std::string_view fileName) {
     return WrapComponent(components_.GetObject(m::VBComponents::AddFile, {Variant(fileName)}));
+}
+
+void ComVBComponents::Remove(const env::VBComponentRef& component) {
+    components_.Call(m::VBComponents::Remove, {Variant(ObjectOf(component.get()).Object())});
 }
 
 // ---- projects ----

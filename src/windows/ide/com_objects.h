@@ -46,6 +46,7 @@ class ComVBComponents final : public env::VBComponents {
     env::VBComponentRef Item(std::string_view name) const override;
     env::VBProjectRef Parent() const override;
     env::VBComponentRef AddFile(std::string_view fileName) override;
+    void Remove(const env::VBComponentRef& component) override;
 
   private:
     com::Dispatch components_;
@@ -83,6 +84,7 @@ class ComVBProjects final : public env::VBProjects {
 
 // The IDE object behind an environment object of this adapter; empty for any other.
 com::Dispatch ObjectOf(const env::VBProject* project);
+com::Dispatch ObjectOf(const env::VBComponent* component);
 com::Dispatch ObjectOf(const env::CommandBarControl* control);
 
 std::shared_ptr<env::Events> WrapEvents(const com::Dispatch& events);

@@ -106,10 +106,14 @@ TEST(ComEnvironment, ReadsProjectsComponentsAndCodeThroughTheIde) {
     EXPECT_EQ(env::ProjectOf(*form)->Name(), "Inventory");
     EXPECT_EQ(vbe->ActiveVBProject()->Name(), "Inventory");
 
+    ide.components->Method(m::VBComponents::Remove, Answer(Variant()));
     ide.transcript->clear();
     vbe->SetActiveVBProject(project);
-    EXPECT_EQ(*ide.transcript, (Transcript{"put VBE.ActiveVBProject <VBProject>"}))
-        << "the IDE gets its own project object back";
+    project->VBComponents()->Remove(form);
+    EXPECT_EQ(*ide.transcript,
+              (Transcript{"put VBE.ActiveVBProject <VBProject>", "get VBProject.VBComponents",
+                          "call VBComponents.Remove <VBComponent>"}))
+        << "the IDE gets its own objects back";
 }
 
 TEST(ComEnvironment, TheIdesErrorsArriveAsTheNumbersTheExplorerExpects) {
@@ -200,6 +204,7 @@ TEST(ComEnvironment, CommandBarsFindMenusRunCommandsAndReportClicks) {
     save->Property(m::CommandBarControl::Type, Variant(std::int32_t{1}));
     save->Property(m::CommandBarControl::Enabled, Variant(true));
     save->Method(m::CommandBarControl::Execute, Answer(Variant()));
+    save->Method(m::CommandBarControl::accDoDefaultAction, Answer(Variant()));
     ide.events->Method(m::Events::CommandBarEvents, Answer(Variant(AsDispatch(clicks))));
 
     auto vbe = WrapVbe(com::Dispatch(AsDispatch(ide.vbe)));
@@ -209,9 +214,11 @@ TEST(ComEnvironment, CommandBarsFindMenusRunCommandsAndReportClicks) {
     EXPECT_EQ(saveProject->Controls(), nullptr) << "a button has no controls";
     ide.transcript->clear();
     saveProject->Execute();
+    saveProject->DoDefaultAction();
     menus->Add(env::ControlType::Button, std::nullopt, true);
-    EXPECT_EQ(*ide.transcript,
-              (Transcript{"call CommandBarButton.Execute", "get CommandBarControls.Add 1 True"}));
+    EXPECT_EQ(*ide.transcript, (Transcript{"call CommandBarButton.Execute",
+                                           "call CommandBarButton.accDoDefaultAction",
+                                           "get CommandBarControls.Add 1 True"}));
 
     auto sink = std::make_shared<ClickSink>();
     auto source = vbe->Events()->CommandBarEvents(saveProject);
