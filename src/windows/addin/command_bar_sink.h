@@ -8,6 +8,7 @@
 #include "base/vb_error.h"
 #include "windows/com/connection_point.h"
 #include "windows/com/dispatch.h"
+#include "windows/com/event_sink.h"
 
 namespace arbolet::windows::addin {
 
@@ -28,7 +29,7 @@ class CommandBarClickHandler {
   private:
     com::Dispatch source_;
     com::Advised subscription_;
-    com::ComPtr<IDispatch> sink_;
+    com::ComPtr<com::EventSink> sink_;
 };
 
 }  // namespace arbolet::windows::addin

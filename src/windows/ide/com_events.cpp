@@ -5,7 +5,7 @@
 
 #include "windows/com/connection_point.h"
 #include "windows/com/error_info.h"
-#include "windows/com/ref_count.h"
+#include "windows/com/event_sink.h"
 #include "windows/com/variant.h"
 #include "windows/ide/com_environment.h"
 #include "windows/ide/com_objects.h"
@@ -20,72 +20,13 @@ using com::Variant;
 
 // Arguments of one event, first to last.
 using EventArguments = std::vector<Variant>;
-using EventHandler = std::function<void(DISPID id, const EventArguments& args)>;
-
-// The IDispatch sink a connection point calls; answers for its event interface.
-class EventSink final : public IDispatch, private com::ModuleObject {
-  public:
-    EventSink(const IID& events, EventHandler handler) : events_(events), handler_(handler) {}
-    void Detach() noexcept { handler_ = nullptr; }
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) noexcept override {
-        if (object == nullptr) return E_POINTER;
-        if (iid == IID_IUnknown || iid == IID_IDispatch || iid == events_) {
-            *object = static_cast<IDispatch*>(this);
-            AddRef();
-            return S_OK;
-        }
-        *object = nullptr;
-        return E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() noexcept override { return refs_.AddRef(); }
-    ULONG STDMETHODCALLTYPE Release() noexcept override {
-        const ULONG count = refs_.Release();
-        if (count == 0) delete this;
-        return count;
-    }
-    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) noexcept override {
-        if (count == nullptr) return E_POINTER;
-        *count = 0;
-        return S_OK;
-    }
-    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo** info) noexcept override {
-        if (info != nullptr) *info = nullptr;
-        return E_NOTIMPL;
-    }
-    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID,
-                                            DISPID*) noexcept override {
-        return DISP_E_UNKNOWNNAME;
-    }
-    HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* params, VARIANT*,
-                                     EXCEPINFO* exception, UINT*) noexcept override {
-        if (params == nullptr) return E_INVALIDARG;
-        // A handler's failure is the add-in's own business: the IDE is not told.
-        com::Guarded("Arbolet", [&] {
-            if (!handler_) return S_OK;
-            EventArguments args;
-            for (UINT i = params->cArgs; i > 0; --i) {
-                args.push_back(Variant::Copy(params->rgvarg[i - 1]));
-            }
-            handler_(id, args);
-            return S_OK;
-        });
-        (void)exception;
-        return S_OK;
-    }
-
-  private:
-    com::RefCount refs_;
-    IID events_;
-    EventHandler handler_;
-};
 
 // One environment event source fed by one COM subscription.
 template <typename Sink>
 struct Bridge {
     env::EventSource<Sink> source;
     Dispatch ideSource;
-    com::ComPtr<EventSink> sink;
+    com::ComPtr<com::EventSink> sink;
     com::Advised subscription;
 
     ~Bridge() {
@@ -103,10 +44,10 @@ std::shared_ptr<env::EventSource<Sink>> MakeBridge(const Dispatch& ideSource, co
     auto bridge = std::make_shared<Bridge<Sink>>();
     env::EventSource<Sink>* source = &bridge->source;
     bridge->ideSource = ideSource;
-    bridge->sink = com::ComPtr<EventSink>::Attach(
-        new EventSink(events, [source, deliver](DISPID id, const EventArguments& args) {
+    bridge->sink =
+        com::EventSink::Create(events, [source, deliver](DISPID id, const EventArguments& args) {
             source->Raise([&](Sink& sink) { deliver(sink, id, args); });
-        }));
+        });
     const HRESULT hr = bridge->subscription.Advise(ideSource.Object(), events,
                                                    static_cast<IDispatch*>(bridge->sink.Get()));
     if (FAILED(hr)) throw com::VbErrorFromCom(hr, nullptr, "Events");

@@ -2,6 +2,7 @@
 // IDE's errors as the explorer's VbErrors, event sources advised only while held, command bars,
 // and going to a code line.
 #include "windows/ide/com_environment.h"
+#include "windows/ide/ide_front_end.h"
 
 #include <gtest/gtest.h>
 
@@ -247,6 +248,32 @@ TEST(ComEnvironment, GotoLineShowsTheCodePaneWithTheLineSelected) {
     EXPECT_EQ(*ide.transcript, (Transcript{"get VBComponent.CodeModule", "get CodeModule.CodePane",
                                            "call CodePane.Show", "put CodePane.TopLine 12",
                                            "call CodePane.SetSelection 12 1 12 1"}));
+}
+
+TEST(IdeFrontEnd, OpensCodeAndDesignersInTheIdeAndAsksBeforeSelecting) {
+    ScriptedIde ide;
+    auto vbe = WrapVbe(com::Dispatch(AsDispatch(ide.vbe)));
+    auto form = vbe->VBProjects()->Item(1)->VBComponents()->Item(1);
+    int hidden = 0;
+    IdeFrontEnd frontEnd({[&] { ++hidden; }, nullptr, nullptr, nullptr});
+    ide.form->Method(m::VBComponent::Activate, Answer(Variant()));
+    ide.project->Property(m::VBProject::VBE, Variant(AsDispatch(ide.vbe)));
+    ide.vbe->Method(m::VBE::SelectedVBComponent, ScriptedIde::Fail(383));
+
+    ide.transcript->clear();
+    frontEnd.ShowObject(*form);
+    frontEnd.ShowCode(*form, 0);
+    EXPECT_EQ(*ide.transcript,
+              (Transcript{"call VBComponent.Activate", "get VBComponent.CodeModule",
+                          "get CodeModule.CodePane", "call CodePane.Show", "put CodePane.TopLine 1",
+                          "call CodePane.SetSelection 1 1 1 1"}));
+    EXPECT_FALSE(frontEnd.SelectForProperties(*form)) << "the IDE refused the selection";
+    ide.vbe->Property(m::VBE::SelectedVBComponent, Variant());
+    EXPECT_TRUE(frontEnd.SelectForProperties(*form));
+    frontEnd.Hide();
+    EXPECT_EQ(hidden, 1);
+    frontEnd.ShowAbout();  // nothing handed in: nothing happens
+    ide.project->Property(m::VBProject::VBE, Variant());
 }
 
 }  // namespace
