@@ -268,6 +268,7 @@ class DiskComponents final : public env::VBComponents {
     }
     env::VBProjectRef Parent() const override { return parent_.lock(); }
     env::VBComponentRef AddFile(std::string_view fileName) override;
+    void Remove(const env::VBComponentRef& component) override;
 
     std::vector<std::shared_ptr<DiskComponent>> items;
 
@@ -803,6 +804,24 @@ env::VBComponentRef DiskComponents::AddFile(std::string_view fileName) {
     return added;
 }
 
+void DiskComponents::Remove(const env::VBComponentRef& component) {
+    constexpr const char* kSource = "VBComponents.Remove";
+    const auto project = std::static_pointer_cast<DiskProject>(Parent());
+    if (!project) env::enverr::RaiseObjectNotSet(kSource);
+    const auto found = std::find(items.begin(), items.end(), component);
+    if (found == items.end()) env::enverr::RaiseNotInCollection(kSource);
+    const std::shared_ptr<DiskComponent> removed = *found;
+    for (const ComponentEntry& entry : ComponentEntries(project->Text())) {
+        if (entry.kind == removed->entryKind && entry.path == removed->entryPath) {
+            project->EditText().RemoveTopLevelEntry(entry.line);
+            break;
+        }
+    }
+    items.erase(found);
+    const env::VBComponentRef gone = removed;
+    project->RaiseComponentEvent([&](env::VBComponentsEventsSink& sink) { sink.ItemRemoved(gone); });
+}
+
 // ---- following the files on disk ----
 
 namespace {
@@ -861,6 +880,21 @@ void DiskEnvironment::CloseProject(const std::shared_ptr<DiskProject>& project) 
     const env::VBProjectRef removed = project;
     events_->RaiseProjectEvent([&](env::VBProjectsEventsSink& sink) { sink.ItemRemoved(removed); });
     events_->ForgetProject(project.get());
+}
+
+void DiskEnvironment::RemoveProject(const env::VBProjectRef& project) {
+    auto& items = projects_->items;
+    const auto found = std::find(items.begin(), items.end(), project);
+    if (found == items.end()) env::enverr::RaiseNotInCollection("VBProjects.Remove");
+    const std::shared_ptr<DiskProject> removed = *found;
+    items.erase(found);
+    if (projects_->start.lock() == project) {
+        projects_->start = items.empty() ? std::weak_ptr<env::VBProject>() : items.front();
+    }
+    if (active_.lock() == project) active_ = projects_->start;
+    const env::VBProjectRef gone = removed;
+    events_->RaiseProjectEvent([&](env::VBProjectsEventsSink& sink) { sink.ItemRemoved(gone); });
+    events_->ForgetProject(removed.get());
 }
 
 void DiskEnvironment::ReloadProjectFile(const std::shared_ptr<DiskProject>& project) {

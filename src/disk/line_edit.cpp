@@ -71,4 +71,15 @@ void LineEditor::InsertLine(std::size_t before, std::string_view content) {
     Resplit();
 }
 
+void LineEditor::DeleteLine(std::size_t line) {
+    const RawLine& raw = lines_.at(line);
+    std::size_t start = raw.offset;
+    const std::size_t end = raw.offset + raw.length + TerminatorBytes(raw.ending).size();
+    if (raw.ending == LineEnding::None && line > 0) {
+        start -= TerminatorBytes(lines_[line - 1].ending).size();
+    }
+    bytes_.erase(start, end - start);
+    Resplit();
+}
+
 }  // namespace arbolet::disk

@@ -191,4 +191,9 @@ void ProjectFile::AddTopLevelEntry(std::string_view key, std::string_view value)
     Parse();
 }
 
+void ProjectFile::RemoveTopLevelEntry(std::size_t line) {
+    editor_.DeleteLine(line);
+    Parse();
+}
+
 }  // namespace arbolet::disk

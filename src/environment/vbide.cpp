@@ -40,6 +40,10 @@ VBComponentRef VBComponents::AddFile(std::string_view) {
     enverr::RaiseNotSupported("VBComponents.AddFile");
 }
 
+void VBComponents::Remove(const VBComponentRef&) {
+    enverr::RaiseNotSupported("VBComponents.Remove");
+}
+
 void VBProject::SetName(std::string_view) {
     enverr::RaiseNotSupported("VBProject.Name");
 }

@@ -107,6 +107,9 @@ class VBComponents {
     // Adds a component file to the project and raises ItemAdded; raises kFileAlreadyInProject
     // for a file the project holds, and other errors for files it cannot add.
     virtual VBComponentRef AddFile(std::string_view fileName);
+    // Takes a component out of the project (its file stays) and raises ItemRemoved; raises
+    // kSubscriptOutOfRange for a component of another project.
+    virtual void Remove(const VBComponentRef& component);
 };
 
 class VBProject {
