@@ -23,7 +23,7 @@ bool IsText(const VARIANT& value) {
     throw VbError(5, source, "Invalid procedure call or argument");
 }
 
-ComRef<IDispatch> BarObjectFor(HostContext& context, const CommandBarRef& bar) {
+ComPtr<IDispatch> BarObjectFor(HostContext& context, const CommandBarRef& bar) {
     return context.Wrap<CommandBarObject>(bar);
 }
 
@@ -97,19 +97,19 @@ void CommandBarsObject::Run(DISPID id, const Call& call) {
                 }
             }
             if (!bar) RaiseInvalidArgument("CommandBars.Item");
-            return call.ReturnObject(BarObjectFor(context, bar).get());
+            return call.ReturnObject(BarObjectFor(context, bar).Get());
         }
         case vbide::kNewEnum: {
-            std::vector<ComRef<IDispatch>> items;
+            std::vector<ComPtr<IDispatch>> items;
             for (const CommandBarRef& bar : model_->Bars())
                 items.push_back(BarObjectFor(context, bar));
             return ReturnEnumerator(call, std::move(items));
         }
         case vbide::kBarsApplication:
-        case vbide::kBarsParent: return call.ReturnObject(VbeObjectFor(context).get());
+        case vbide::kBarsParent: return call.ReturnObject(VbeObjectFor(context).Get());
         case vbide::kBarsCreator: return call.ReturnLong(kCreator);
         case vbide::kBarsActiveMenuBar:
-            return call.ReturnObject(BarObjectFor(context, model_->FindBar(L"Menu Bar")).get());
+            return call.ReturnObject(BarObjectFor(context, model_->FindBar(L"Menu Bar")).Get());
         case vbide::kBarsAdd: {
             std::wstring name = call.args.Has(0) ? call.args.String(0) : L"Custom";
             if (model_->FindBar(name)) RaiseInvalidArgument("CommandBars.Add");
@@ -117,12 +117,12 @@ void CommandBarsObject::Run(DISPID id, const Call& call) {
             auto bar = model_->AddBar(std::move(name), menuBar ? kBarMenuBar : kBarNormal);
             bar->builtIn = false;
             model_->Changed();
-            return call.ReturnObject(BarObjectFor(context, bar).get());
+            return call.ReturnObject(BarObjectFor(context, bar).Get());
         }
         case vbide::kBarsCount: return call.ReturnLong(static_cast<std::int32_t>(model_->Bars().size()));
         case vbide::kBarsFindControl:
             return call.ReturnObject(
-                ControlObjectFor(context, FindControl(model_->Bars(), call.args)).get());
+                ControlObjectFor(context, FindControl(model_->Bars(), call.args)).Get());
     }
 }
 
@@ -159,14 +159,14 @@ void CommandBarObject::Run(DISPID id, const Call& call) {
     HostContext& context = Context();
     switch (id) {
         case vbide::kBarApplication:
-        case vbide::kBarParent: return call.ReturnObject(VbeObjectFor(context).get());
+        case vbide::kBarParent: return call.ReturnObject(VbeObjectFor(context).Get());
         case vbide::kBarCreator: return call.ReturnLong(kCreator);
         case vbide::kBarBuiltIn: return call.ReturnBool(bar_->builtIn);
         case vbide::kBarControls:
-            return call.ReturnObject(context.Wrap<ControlsObject>(bar_->controls).get());
+            return call.ReturnObject(context.Wrap<ControlsObject>(bar_->controls).Get());
         case vbide::kBarEnabled: return call.ReturnBool(true);
         case vbide::kBarFindControl:
-            return call.ReturnObject(ControlObjectFor(context, FindControl({bar_}, call.args)).get());
+            return call.ReturnObject(ControlObjectFor(context, FindControl({bar_}, call.args)).Get());
         case vbide::kBarIndex: {
             const auto& bars = context.Bars().Bars();
             const auto found = std::find(bars.begin(), bars.end(), bar_);
@@ -214,14 +214,14 @@ void ControlsObject::Run(DISPID id, const Call& call) {
     switch (id) {
         case vbide::kItem:
             return call.ReturnObject(
-                ControlObjectFor(context, ItemOfList(*controls_, call.args.At(0))).get());
+                ControlObjectFor(context, ItemOfList(*controls_, call.args.At(0))).Get());
         case vbide::kNewEnum: {
-            std::vector<ComRef<IDispatch>> items;
+            std::vector<ComPtr<IDispatch>> items;
             for (const BarControlRef& control : controls_->Items())
                 items.push_back(ControlObjectFor(context, control));
             return ReturnEnumerator(call, std::move(items));
         }
-        case vbide::kControlsApplication: return call.ReturnObject(VbeObjectFor(context).get());
+        case vbide::kControlsApplication: return call.ReturnObject(VbeObjectFor(context).Get());
         case vbide::kControlsCreator: return call.ReturnLong(kCreator);
         case vbide::kControlsAdd: {
             const std::int32_t type = call.args.Has(0) ? call.args.Long(0) : kControlButton;
@@ -230,12 +230,12 @@ void ControlsObject::Run(DISPID id, const Call& call) {
             }
             std::optional<std::int32_t> before;
             if (call.args.Has(3)) before = call.args.Long(3);
-            return call.ReturnObject(ControlObjectFor(context, controls_->Add(type, before)).get());
+            return call.ReturnObject(ControlObjectFor(context, controls_->Add(type, before)).Get());
         }
         case vbide::kControlsCount:
             return call.ReturnLong(static_cast<std::int32_t>(controls_->Items().size()));
         case vbide::kControlsParent:
-            return call.ReturnObject(BarObjectFor(context, controls_->Bar()).get());
+            return call.ReturnObject(BarObjectFor(context, controls_->Bar()).Get());
     }
 }
 
@@ -333,7 +333,7 @@ void ControlObject::Run(DISPID id, const Call& call) {
                       "The control has been deleted");
     }
     switch (id) {
-        case vbide::kControlApplication: return call.ReturnObject(VbeObjectFor(context).get());
+        case vbide::kControlApplication: return call.ReturnObject(VbeObjectFor(context).Get());
         case vbide::kControlCreator: return call.ReturnLong(kCreator);
         case vbide::kControlBeginGroup: return BoolProperty(call, c.beginGroup, model);
         case vbide::kControlBuiltIn: return call.ReturnBool(c.builtIn);
@@ -360,7 +360,7 @@ void ControlObject::Run(DISPID id, const Call& call) {
         }
         case vbide::kControlOnAction: return TextProperty(call, c.onAction, model);
         case vbide::kControlParent:
-            return call.ReturnObject(BarObjectFor(context, c.owner.lock()->Bar()).get());
+            return call.ReturnObject(BarObjectFor(context, c.owner.lock()->Bar()).Get());
         case vbide::kControlParameter: return TextProperty(call, c.parameter, model);
         case vbide::kControlTag: return TextProperty(call, c.tag, model);
         case vbide::kControlTooltipText: return TextProperty(call, c.tooltip, model);
@@ -398,22 +398,22 @@ bool PopupObject::RunOwn(DISPID id, const Call& call) {
     HostContext& context = Context();
     switch (id) {
         case vbide::kPopupCommandBar:
-            call.ReturnObject(BarObjectFor(context, control_->subBar).get());
+            call.ReturnObject(BarObjectFor(context, control_->subBar).Get());
             return true;
         case vbide::kPopupControls:
-            call.ReturnObject(context.Wrap<ControlsObject>(control_->subBar->controls).get());
+            call.ReturnObject(context.Wrap<ControlsObject>(control_->subBar->controls).Get());
             return true;
     }
     return false;
 }
 
-ComRef<IDispatch> CommandBarsObjectFor(HostContext& context) {
+ComPtr<IDispatch> CommandBarsObjectFor(HostContext& context) {
     // The model lives in the context; the alias keeps the context alive with the object.
     const std::shared_ptr<CommandBarModel> model(context.shared_from_this(), &context.Bars());
     return context.Wrap<CommandBarsObject>(model);
 }
 
-ComRef<IDispatch> ControlObjectFor(HostContext& context, const BarControlRef& control) {
+ComPtr<IDispatch> ControlObjectFor(HostContext& context, const BarControlRef& control) {
     if (!control) return {};
     if (control->type == kControlPopup) return context.Wrap<PopupObject>(control);
     return context.Wrap<ButtonObject>(control);

@@ -82,8 +82,8 @@ class PopupObject final : public ControlObject {
     bool RunOwn(DISPID id, const Call& call) override;
 };
 
-ComRef<IDispatch> CommandBarsObjectFor(HostContext& context);
-ComRef<IDispatch> ControlObjectFor(HostContext& context, const BarControlRef& control);
+ComPtr<IDispatch> CommandBarsObjectFor(HostContext& context);
+ComPtr<IDispatch> ControlObjectFor(HostContext& context, const BarControlRef& control);
 // The control behind an object an add-in hands back; nullptr for anything else.
 BarControlRef ControlOf(IDispatch* object);
 

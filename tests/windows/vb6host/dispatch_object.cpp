@@ -6,6 +6,7 @@
 
 #include "base/vb_error.h"
 #include "vb6host/host_context.h"
+#include "windows/com/variant.h"
 #include "windows/registry/ansi_text.h"
 
 namespace arbolet::vb6host {
@@ -28,8 +29,8 @@ const VARIANT& Dereferenced(const VARIANT& value) {
 }
 
 // A copy converted to `type`; raises Type mismatch when it does not convert.
-void ConvertTo(const VARIANT& value, VARTYPE type, Variant& out) {
-    if (FAILED(VariantChangeType(out.get(), const_cast<VARIANT*>(&value), 0, type))) {
+void ConvertTo(const VARIANT& value, VARTYPE type, windows::com::Variant& out) {
+    if (FAILED(VariantChangeType(out.Get(), const_cast<VARIANT*>(&value), 0, type))) {
         RaiseTypeMismatch();
     }
 }
@@ -89,22 +90,22 @@ VARIANT& Arguments::ByRef(std::size_t index) const {
 }
 
 std::int32_t Arguments::ToLong(const VARIANT& value) {
-    Variant converted;
+    windows::com::Variant converted;
     ConvertTo(value, VT_I4, converted);
-    return (*converted).lVal;
+    return converted.Get()->lVal;
 }
 
 std::wstring Arguments::ToString(const VARIANT& value) {
-    Variant converted;
+    windows::com::Variant converted;
     ConvertTo(value, VT_BSTR, converted);
-    const BSTR text = (*converted).bstrVal;
+    const BSTR text = converted.Get()->bstrVal;
     return text == nullptr ? std::wstring() : std::wstring(text, SysStringLen(text));
 }
 
 bool Arguments::ToBool(const VARIANT& value) {
-    Variant converted;
+    windows::com::Variant converted;
     ConvertTo(value, VT_BOOL, converted);
-    return (*converted).boolVal != VARIANT_FALSE;
+    return converted.Get()->boolVal != VARIANT_FALSE;
 }
 
 IDispatch* Arguments::ToObject(const VARIANT& value) {
@@ -119,9 +120,9 @@ IDispatch* Arguments::ToObject(const VARIANT& value) {
                                                        : (value.ppunkVal ? *value.ppunkVal : nullptr);
             if (unknown == nullptr) return nullptr;
             // The caller's reference keeps the object alive during the call.
-            ComRef<IDispatch> dispatch = ComRef<IUnknown>(unknown).As<IDispatch>(IID_IDispatch);
+            ComPtr<IDispatch> dispatch = ComPtr<IUnknown>(unknown).As<IDispatch>(IID_IDispatch);
             if (!dispatch) RaiseTypeMismatch();
-            return dispatch.get();
+            return dispatch.Get();
         }
         default: RaiseTypeMismatch();
     }

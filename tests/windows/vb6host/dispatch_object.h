@@ -13,9 +13,11 @@
 #include <utility>
 #include <vector>
 
-#include "vb6host/com_ref.h"
+#include "windows/com/com_ptr.h"
 
 namespace arbolet::vb6host {
+
+using windows::com::ComPtr;
 
 class HostContext;
 
@@ -134,8 +136,8 @@ DispatchObject* HostObjectOf(IUnknown* unknown) noexcept;
 
 // Creates an object with one reference held by the returned pointer.
 template <typename T, typename... Args>
-ComRef<T> MakeObject(Args&&... args) {
-    return ComRef<T>::Adopt(new T(std::forward<Args>(args)...));
+ComPtr<T> MakeObject(Args&&... args) {
+    return ComPtr<T>::Attach(new T(std::forward<Args>(args)...));
 }
 
 // "{0002E100-0000-0000-C000-000000000046}" and so on.

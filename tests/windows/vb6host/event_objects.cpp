@@ -16,11 +16,11 @@
 namespace arbolet::vb6host {
 namespace {
 
-VARIANT ObjectArgument(const ComRef<IDispatch>& object) {
+VARIANT ObjectArgument(const ComPtr<IDispatch>& object) {
     VARIANT v;
     VariantInit(&v);
     v.vt = VT_DISPATCH;
-    v.pdispVal = object.get();
+    v.pdispVal = object.Get();
     if (v.pdispVal) v.pdispVal->AddRef();
     return v;
 }
@@ -127,8 +127,8 @@ HRESULT ConnectionPoint::Advise(IUnknown* sink, DWORD* cookie) noexcept {
     if (cookie != nullptr) *cookie = 0;
     if (sink == nullptr || cookie == nullptr) return E_POINTER;
     owner_.RecordCall(L"Advise", {});
-    ComRef<IDispatch> dispatch = ComRef<IUnknown>(sink).As<IDispatch>(events_);
-    if (!dispatch) dispatch = ComRef<IUnknown>(sink).As<IDispatch>(IID_IDispatch);
+    ComPtr<IDispatch> dispatch = ComPtr<IUnknown>(sink).As<IDispatch>(events_);
+    if (!dispatch) dispatch = ComPtr<IUnknown>(sink).As<IDispatch>(IID_IDispatch);
     if (!dispatch) return CONNECT_E_CANNOTCONNECT;
     try {
         sinks_.push_back({++lastCookie_, dispatch});
@@ -146,7 +146,7 @@ HRESULT ConnectionPoint::Unadvise(DWORD cookie) noexcept {
                                     [&](const Sink& s) { return s.cookie == cookie; });
     if (found == sinks_.end()) return CONNECT_E_NOCONNECTION;
     // Keeps this object alive while the last sink goes, which may release it.
-    ComRef<IDispatch> keep(&owner_);
+    ComPtr<IDispatch> keep(&owner_);
     sinks_.erase(found);
     if (sinks_.empty()) owner_.OnLastUnadvise();
     return S_OK;
@@ -163,7 +163,7 @@ void ConnectionPoint::Fire(DISPID id, std::vector<VARIANT>& arguments) {
     DISPPARAMS params{reversed.data(), nullptr, static_cast<UINT>(reversed.size()), 0};
     const std::vector<Sink> snapshot = sinks_;
     // A sink may unadvise and so release the source while the event goes round.
-    const ComRef<IDispatch> keep(static_cast<IDispatch*>(&owner_));
+    const ComPtr<IDispatch> keep(static_cast<IDispatch*>(&owner_));
     for (const Sink& sink : snapshot) {
         EXCEPINFO exception{};
         sink.sink->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &params, nullptr,
@@ -305,19 +305,19 @@ void EventsObject::Run(DISPID id, const Call& call) {
     switch (id) {
         case vbide::kEventsVBProjectsEvents:
             call.ReturnObject(
-                Context().Wrap<ProjectsEventsObject>(events_->VBProjectsEvents()).get());
+                Context().Wrap<ProjectsEventsObject>(events_->VBProjectsEvents()).Get());
             return;
         case vbide::kEventsVBComponentsEvents: {
             const env::VBProjectRef project = ProjectOf(call.args.Object(0));
             call.ReturnObject(Context()
                                   .Wrap<ComponentsEventsObject>(events_->VBComponentsEvents(project))
-                                  .get());
+                                  .Get());
             return;
         }
         case vbide::kEventsCommandBarEvents: {
             const BarControlRef control = ControlOf(call.args.Object(0));
             if (!control) throw VbError(5, "Events.CommandBarEvents", "Invalid procedure call or argument");
-            call.ReturnObject(Context().Wrap<CommandBarEventsObject>(control).get());
+            call.ReturnObject(Context().Wrap<CommandBarEventsObject>(control).Get());
             return;
         }
     }

@@ -38,7 +38,7 @@ class ConnectionPoint final : public IConnectionPoint {
   private:
     struct Sink {
         DWORD cookie;
-        ComRef<IDispatch> sink;
+        ComPtr<IDispatch> sink;
     };
     EventSourceObject& owner_;
     IID events_;

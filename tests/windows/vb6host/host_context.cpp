@@ -62,7 +62,7 @@ void HostContext::RemoveClickSource(ConnectionPoint* point) {
 
 bool HostContext::RunControl(const BarControlRef& control) {
     if (!control || control->Deleted() || !control->Enabled()) return false;
-    const ComRef<IDispatch> object = ControlObjectFor(*this, control);
+    const ComPtr<IDispatch> object = ControlObjectFor(*this, control);
     bool handled = false;
     bool cancelDefault = false;
     std::vector<ConnectionPoint*> points;
@@ -73,7 +73,7 @@ bool HostContext::RunControl(const BarControlRef& control) {
         // A handler may release its source; only points still known are raised.
         const bool known = std::any_of(clickSources_.begin(), clickSources_.end(),
                                        [&](const ClickSource& s) { return s.point == point; });
-        if (known) FireClick(*point, object.get(), handled, cancelDefault);
+        if (known) FireClick(*point, object.Get(), handled, cancelDefault);
     }
     if (!cancelDefault && control->action) control->action();
     return true;

@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "disk/disk_environment.h"
-#include "vb6host/com_ref.h"
+#include "windows/com/com_ptr.h"
 #include "vb6host/command_bar_model.h"
 #include "vb6host/dispatch_object.h"
 #include "vb6host/transcript.h"
@@ -55,16 +55,16 @@ class HostContext : public std::enable_shared_from_this<HostContext> {
 
     // The one object that stands for `model` as `T`, made on first use.
     template <typename T, typename Model>
-    ComRef<IDispatch> Wrap(const std::shared_ptr<Model>& model) {
+    ComPtr<IDispatch> Wrap(const std::shared_ptr<Model>& model) {
         if (!model) return {};
         const std::pair<const void*, const void*> key{model.get(), &T::kInterface};
         if (const auto found = cache_.find(key); found != cache_.end()) {
-            return ComRef<IDispatch>(found->second);
+            return ComPtr<IDispatch>(found->second);
         }
         auto object = MakeObject<T>(shared_from_this(), model);
         object->cacheKey_ = key;
-        cache_[key] = object.get();
-        return ComRef<IDispatch>(object.get());
+        cache_[key] = object.Get();
+        return ComPtr<IDispatch>(object.Get());
     }
     void Forget(const std::pair<const void*, const void*>& key) { cache_.erase(key); }
 
@@ -109,7 +109,7 @@ class HostContext : public std::enable_shared_from_this<HostContext> {
     bool RunControl(const BarControlRef& control);
 
     // The add-in's connection object as the AddIn object holds it (AddIn.Object).
-    ComRef<IDispatch>& AddInObject() { return addInObject_; }
+    ComPtr<IDispatch>& AddInObject() { return addInObject_; }
     const std::shared_ptr<AddInData>& AddIn() const { return addIn_; }
 
   private:
@@ -126,7 +126,7 @@ class HostContext : public std::enable_shared_from_this<HostContext> {
     std::shared_ptr<HostWindow> mainFrame_;
     std::vector<std::shared_ptr<ToolWindow>> toolWindows_;
     std::vector<ClickSource> clickSources_;
-    ComRef<IDispatch> addInObject_;
+    ComPtr<IDispatch> addInObject_;
     std::shared_ptr<AddInData> addIn_ = std::make_shared<AddInData>();
 };
 

@@ -47,7 +47,7 @@ std::string Quote(const std::string& name) {
 
 class EnumVariant final : public IEnumVARIANT {
   public:
-    EnumVariant(std::vector<ComRef<IDispatch>> items, std::size_t next)
+    EnumVariant(std::vector<ComPtr<IDispatch>> items, std::size_t next)
         : items_(std::move(items)), next_(next) {}
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) noexcept override {
@@ -72,7 +72,7 @@ class EnumVariant final : public IEnumVARIANT {
         for (; done < count && next_ < items_.size(); ++done, ++next_) {
             VariantInit(&items[done]);
             items[done].vt = VT_DISPATCH;
-            items[done].pdispVal = items_[next_].get();
+            items[done].pdispVal = items_[next_].Get();
             items[done].pdispVal->AddRef();
         }
         if (fetched != nullptr) *fetched = done;
@@ -94,14 +94,14 @@ class EnumVariant final : public IEnumVARIANT {
 
   private:
     ~EnumVariant() = default;
-    std::vector<ComRef<IDispatch>> items_;
+    std::vector<ComPtr<IDispatch>> items_;
     std::size_t next_;
     LONG references_ = 1;
 };
 
 template <typename Collection, typename Wrap>
-std::vector<ComRef<IDispatch>> AllOf(const Collection& collection, const Wrap& wrap) {
-    std::vector<ComRef<IDispatch>> items;
+std::vector<ComPtr<IDispatch>> AllOf(const Collection& collection, const Wrap& wrap) {
+    std::vector<ComPtr<IDispatch>> items;
     for (std::int32_t i = 1; i <= collection.Count(); ++i)
         items.push_back(wrap(collection.Item(i)));
     return items;
@@ -109,25 +109,25 @@ std::vector<ComRef<IDispatch>> AllOf(const Collection& collection, const Wrap& w
 
 }  // namespace
 
-ComRef<IUnknown> MakeEnumerator(std::vector<ComRef<IDispatch>> items) {
-    return ComRef<IUnknown>::Adopt(new EnumVariant(std::move(items), 0));
+ComPtr<IUnknown> MakeEnumerator(std::vector<ComPtr<IDispatch>> items) {
+    return ComPtr<IUnknown>::Attach(new EnumVariant(std::move(items), 0));
 }
 
-void ReturnEnumerator(const Call& call, std::vector<ComRef<IDispatch>> items) {
+void ReturnEnumerator(const Call& call, std::vector<ComPtr<IDispatch>> items) {
     if (call.result == nullptr) return;
     call.result->vt = VT_UNKNOWN;
     call.result->punkVal = MakeEnumerator(std::move(items)).Detach();
 }
 
-ComRef<IDispatch> VbeObjectFor(HostContext& context) {
+ComPtr<IDispatch> VbeObjectFor(HostContext& context) {
     return context.Wrap<VbeObject>(context.SharedEnvironment());
 }
 
-ComRef<IDispatch> ProjectObjectFor(HostContext& context, const env::VBProjectRef& project) {
+ComPtr<IDispatch> ProjectObjectFor(HostContext& context, const env::VBProjectRef& project) {
     return context.Wrap<ProjectObject>(project);
 }
 
-ComRef<IDispatch> ComponentObjectFor(HostContext& context, const env::VBComponentRef& component) {
+ComPtr<IDispatch> ComponentObjectFor(HostContext& context, const env::VBComponentRef& component) {
     return context.Wrap<ComponentObject>(component);
 }
 
@@ -175,31 +175,31 @@ void VbeObject::Run(DISPID id, const Call& call) {
         case vbide::kVbeName: return call.ReturnString(L"Microsoft Visual Basic");
         case vbide::kVbeVersion: return call.ReturnString(L"6.00");
         case vbide::kVbeVBProjects:
-            return call.ReturnObject(context.Wrap<ProjectsObject>(env_->VBProjects()).get());
+            return call.ReturnObject(context.Wrap<ProjectsObject>(env_->VBProjects()).Get());
         case vbide::kVbeCommandBars:
-            return call.ReturnObject(CommandBarsObjectFor(context).get());
-        case vbide::kVbeWindows: return call.ReturnObject(WindowsObjectFor(context).get());
+            return call.ReturnObject(CommandBarsObjectFor(context).Get());
+        case vbide::kVbeWindows: return call.ReturnObject(WindowsObjectFor(context).Get());
         case vbide::kVbeEvents:
-            return call.ReturnObject(context.Wrap<EventsObject>(env_->Events()).get());
+            return call.ReturnObject(context.Wrap<EventsObject>(env_->Events()).Get());
         case vbide::kVbeAddins:
-            return call.ReturnObject(context.Wrap<AddInsObject>(context.AddIn()).get());
+            return call.ReturnObject(context.Wrap<AddInsObject>(context.AddIn()).Get());
         case vbide::kVbeActiveVBProject:
             if (call.isPut) {
                 env_->SetActiveVBProject(ProjectOf(Arguments::ToObject(call.args.Value())));
                 return;
             }
-            return call.ReturnObject(ProjectObjectFor(context, env_->ActiveVBProject()).get());
+            return call.ReturnObject(ProjectObjectFor(context, env_->ActiveVBProject()).Get());
         case vbide::kVbeSelectedVBComponent:
             return call.ReturnObject(
-                ComponentObjectFor(context, context.SelectedComponent()).get());
-        case vbide::kVbeMainWindow: return call.ReturnObject(MainWindowObjectFor(context).get());
+                ComponentObjectFor(context, context.SelectedComponent()).Get());
+        case vbide::kVbeMainWindow: return call.ReturnObject(MainWindowObjectFor(context).Get());
         case vbide::kVbeActiveCodePane: {
             if (call.isPut) {
                 throw VbError(383, "VBE.ActiveCodePane", "Property is read-only");
             }
             const auto component = context.ActiveCodeComponent();
             if (!component) return call.ReturnObject(nullptr);
-            return call.ReturnObject(context.Wrap<CodePaneObject>(component).get());
+            return call.ReturnObject(context.Wrap<CodePaneObject>(component).Get());
         }
     }
 }
@@ -230,18 +230,18 @@ void ProjectsObject::Run(DISPID id, const Call& call) {
     HostContext& context = Context();
     switch (id) {
         case vbide::kItem:
-            return call.ReturnObject(ProjectObjectFor(context, ItemOf(*projects_, call)).get());
+            return call.ReturnObject(ProjectObjectFor(context, ItemOf(*projects_, call)).Get());
         case vbide::kNewEnum:
             return ReturnEnumerator(call, AllOf(*projects_, [&](const env::VBProjectRef& p) {
                                         return ProjectObjectFor(context, p);
                                     }));
         case vbide::kProjectsParent:
-        case vbide::kProjectsVBE: return call.ReturnObject(VbeObjectFor(context).get());
+        case vbide::kProjectsVBE: return call.ReturnObject(VbeObjectFor(context).Get());
         case vbide::kProjectsCount: return call.ReturnLong(projects_->Count());
         case vbide::kProjectsAddFromFile: {
             const auto added = context.Environment().AddFromFile(
                 disk::PathFromUtf8(WideToUtf8(call.args.String(0))));
-            return call.ReturnObject(ProjectObjectFor(context, added).get());
+            return call.ReturnObject(ProjectObjectFor(context, added).Get());
         }
         case vbide::kProjectsRemove:
             context.Environment().RemoveProject(ProjectOf(call.args.Object(0)));
@@ -251,7 +251,7 @@ void ProjectsObject::Run(DISPID id, const Call& call) {
                 projects_->SetStartProject(ProjectOf(Arguments::ToObject(call.args.Value())));
                 return;
             }
-            return call.ReturnObject(ProjectObjectFor(context, projects_->StartProject()).get());
+            return call.ReturnObject(ProjectObjectFor(context, projects_->StartProject()).Get());
     }
 }
 
@@ -311,14 +311,14 @@ void ProjectObject::Run(DISPID id, const Call& call) {
         case vbide::kProjectReadProperty:
             return call.ReturnUtf8(project_->ReadProperty(WideToUtf8(call.args.String(0)),
                                                           WideToUtf8(call.args.String(1))));
-        case vbide::kProjectVBE: return call.ReturnObject(VbeObjectFor(context).get());
+        case vbide::kProjectVBE: return call.ReturnObject(VbeObjectFor(context).Get());
         case vbide::kProjectCollection:
-            return call.ReturnObject(context.Wrap<ProjectsObject>(project_->Collection()).get());
+            return call.ReturnObject(context.Wrap<ProjectsObject>(project_->Collection()).Get());
         case vbide::kProjectType:
             return call.ReturnLong(static_cast<std::int32_t>(TypeOfProject(*project_)));
         case vbide::kProjectVBComponents:
             return call.ReturnObject(
-                context.Wrap<ComponentsObject>(project_->VBComponents()).get());
+                context.Wrap<ComponentsObject>(project_->VBComponents()).Get());
     }
 }
 
@@ -349,13 +349,13 @@ void ComponentsObject::Run(DISPID id, const Call& call) {
     switch (id) {
         case vbide::kItem:
             return call.ReturnObject(
-                ComponentObjectFor(context, ItemOf(*components_, call)).get());
+                ComponentObjectFor(context, ItemOf(*components_, call)).Get());
         case vbide::kNewEnum:
             return ReturnEnumerator(call, AllOf(*components_, [&](const env::VBComponentRef& c) {
                                         return ComponentObjectFor(context, c);
                                     }));
         case vbide::kComponentsParent:
-            return call.ReturnObject(ProjectObjectFor(context, components_->Parent()).get());
+            return call.ReturnObject(ProjectObjectFor(context, components_->Parent()).Get());
         case vbide::kComponentsCount: return call.ReturnLong(components_->Count());
         case vbide::kComponentsRemove: {
             const auto component = ComponentOf(call.args.Object(0));
@@ -366,13 +366,13 @@ void ComponentsObject::Run(DISPID id, const Call& call) {
         case vbide::kComponentsAdd: {
             const auto type = static_cast<env::ComponentType>(call.args.Long(0));
             return call.ReturnObject(
-                ComponentObjectFor(context, AddNewComponent(components_->Parent(), type)).get());
+                ComponentObjectFor(context, AddNewComponent(components_->Parent(), type)).Get());
         }
-        case vbide::kComponentsVBE: return call.ReturnObject(VbeObjectFor(context).get());
+        case vbide::kComponentsVBE: return call.ReturnObject(VbeObjectFor(context).Get());
         case vbide::kComponentsAddFile:
             return call.ReturnObject(
                 ComponentObjectFor(context, components_->AddFile(WideToUtf8(call.args.String(0))))
-                    .get());
+                    .Get());
     }
 }
 
@@ -431,13 +431,13 @@ void ComponentObject::Run(DISPID id, const Call& call) {
             return call.ReturnUtf8(component_->Name());
         case vbide::kComponentCodeModule:
             if (!component_->CodeModule()) return call.ReturnObject(nullptr);
-            return call.ReturnObject(context.Wrap<CodeModuleObject>(component_).get());
+            return call.ReturnObject(context.Wrap<CodeModuleObject>(component_).Get());
         case vbide::kComponentType:
             return call.ReturnLong(static_cast<std::int32_t>(component_->Type()));
-        case vbide::kComponentVBE: return call.ReturnObject(VbeObjectFor(context).get());
+        case vbide::kComponentVBE: return call.ReturnObject(VbeObjectFor(context).Get());
         case vbide::kComponentCollection:
             return call.ReturnObject(
-                context.Wrap<ComponentsObject>(component_->Collection()).get());
+                context.Wrap<ComponentsObject>(component_->Collection()).Get());
         case vbide::kComponentHasOpenDesigner:
             return call.ReturnBool(context.DesignerOpened(component_.get()) > 0);
         case vbide::kComponentReadProperty:
@@ -486,8 +486,8 @@ void CodeModuleObject::Run(DISPID id, const Call& call) {
     HostContext& context = Context();
     switch (id) {
         case vbide::kCodeModuleParent:
-            return call.ReturnObject(ComponentObjectFor(context, component_).get());
-        case vbide::kCodeModuleVBE: return call.ReturnObject(VbeObjectFor(context).get());
+            return call.ReturnObject(ComponentObjectFor(context, component_).Get());
+        case vbide::kCodeModuleVBE: return call.ReturnObject(VbeObjectFor(context).Get());
         case vbide::kCodeModuleName: return call.ReturnUtf8(component_->Name());
         case vbide::kCodeModuleLines:
             return call.ReturnUtf8(
@@ -495,7 +495,7 @@ void CodeModuleObject::Run(DISPID id, const Call& call) {
         case vbide::kCodeModuleCountOfLines:
             return call.ReturnLong(CodeOf(*component_)->CountOfLines());
         case vbide::kCodeModuleCodePane:
-            return call.ReturnObject(context.Wrap<CodePaneObject>(component_).get());
+            return call.ReturnObject(context.Wrap<CodePaneObject>(component_).Get());
     }
 }
 
@@ -536,7 +536,7 @@ void CodePaneObject::Run(DISPID id, const Call& call) {
     HostContext& context = Context();
     CodePaneState& pane = context.CodePane(component_.get());
     switch (id) {
-        case vbide::kCodePaneVBE: return call.ReturnObject(VbeObjectFor(context).get());
+        case vbide::kCodePaneVBE: return call.ReturnObject(VbeObjectFor(context).Get());
         case vbide::kCodePaneGetSelection:
             for (std::size_t i = 0; i < 4; ++i)
                 PutLong(call.args.ByRef(i), pane.selection[i]);
@@ -564,7 +564,7 @@ void CodePaneObject::Run(DISPID id, const Call& call) {
             return call.ReturnLong(pane.topLine);
         case vbide::kCodePaneCountOfVisibleLines: return call.ReturnLong(kVisibleLines);
         case vbide::kCodePaneCodeModule:
-            return call.ReturnObject(context.Wrap<CodeModuleObject>(component_).get());
+            return call.ReturnObject(context.Wrap<CodeModuleObject>(component_).Get());
         case vbide::kCodePaneShow: ShowCode(context, component_); return;
     }
 }
@@ -603,9 +603,9 @@ void AddInObject::Run(DISPID id, const Call& call) {
                 return;
             }
             return call.ReturnString(addIn_->description);
-        case vbide::kAddInVBE: return call.ReturnObject(VbeObjectFor(context).get());
+        case vbide::kAddInVBE: return call.ReturnObject(VbeObjectFor(context).Get());
         case vbide::kAddInCollection:
-            return call.ReturnObject(context.Wrap<AddInsObject>(addIn_).get());
+            return call.ReturnObject(context.Wrap<AddInsObject>(addIn_).Get());
         case vbide::kAddInProgId: return call.ReturnString(addIn_->progId);
         case vbide::kAddInGuid: return call.ReturnString(addIn_->guid);
         case vbide::kAddInConnect:
@@ -613,10 +613,10 @@ void AddInObject::Run(DISPID id, const Call& call) {
             return call.ReturnBool(addIn_->connected);
         case vbide::kAddInObject:
             if (call.isPut) {
-                context.AddInObject() = ComRef<IDispatch>(Arguments::ToObject(call.args.Value()));
+                context.AddInObject() = ComPtr<IDispatch>(Arguments::ToObject(call.args.Value()));
                 return;
             }
-            return call.ReturnObject(context.AddInObject().get());
+            return call.ReturnObject(context.AddInObject().Get());
     }
 }
 
@@ -634,10 +634,10 @@ void AddInsObject::Run(DISPID id, const Call& call) {
                                                            addIn_->progId.c_str()) == 0
                                                : Arguments::ToLong(index) == 1;
             if (!matches) throw VbError(9, "Addins.Item", "Subscript out of range");
-            return call.ReturnObject(context.Wrap<AddInObject>(addIn_).get());
+            return call.ReturnObject(context.Wrap<AddInObject>(addIn_).Get());
         }
         case vbide::kAddInsVBE:
-        case vbide::kAddInsParent: return call.ReturnObject(VbeObjectFor(context).get());
+        case vbide::kAddInsParent: return call.ReturnObject(VbeObjectFor(context).Get());
         case vbide::kAddInsCount: return call.ReturnLong(1);
     }
 }

@@ -126,16 +126,16 @@ class AddInsObject final : public DispatchObject {
 };
 
 // The session's one VBE object.
-ComRef<IDispatch> VbeObjectFor(HostContext& context);
-ComRef<IDispatch> ProjectObjectFor(HostContext& context, const env::VBProjectRef& project);
-ComRef<IDispatch> ComponentObjectFor(HostContext& context, const env::VBComponentRef& component);
+ComPtr<IDispatch> VbeObjectFor(HostContext& context);
+ComPtr<IDispatch> ProjectObjectFor(HostContext& context, const env::VBProjectRef& project);
+ComPtr<IDispatch> ComponentObjectFor(HostContext& context, const env::VBComponentRef& component);
 // The model behind an object an add-in hands back; nullptr for Nothing. Raises Type mismatch
 // for an object that is not one of the host's projects or components.
 env::VBProjectRef ProjectOf(IDispatch* object);
 env::VBComponentRef ComponentOf(IDispatch* object);
 
 // A For Each enumerator over a snapshot of objects.
-ComRef<IUnknown> MakeEnumerator(std::vector<ComRef<IDispatch>> items);
-void ReturnEnumerator(const Call& call, std::vector<ComRef<IDispatch>> items);
+ComPtr<IUnknown> MakeEnumerator(std::vector<ComPtr<IDispatch>> items);
+void ReturnEnumerator(const Call& call, std::vector<ComPtr<IDispatch>> items);
 
 }  // namespace arbolet::vb6host

@@ -101,14 +101,14 @@ void ToolWindow::Activate() {
                           reinterpret_cast<void**>(control_.Put()));
     if (FAILED(hr)) RaiseCannotCreate(progId_, hr);
     Step("CoCreateInstance");
-    site_ = ComRef<ControlSite>::Adopt(new ControlSite(*this, owner_));
+    site_ = ComPtr<ControlSite>::Attach(new ControlSite(*this, owner_));
 
     DWORD status = 0;
     control_->GetMiscStatus(DVASPECT_CONTENT, &status);
     const bool siteFirst = (status & OLEMISC_SETCLIENTSITEFIRST) != 0;
     if (siteFirst) {
         Step("SetClientSite");
-        control_->SetClientSite(site_.get());
+        control_->SetClientSite(site_.Get());
     }
     if (auto persist = control_.As<IPersistStreamInit>(IID_IPersistStreamInit)) {
         Step("InitNew");
@@ -116,7 +116,7 @@ void ToolWindow::Activate() {
     }
     if (!siteFirst) {
         Step("SetClientSite");
-        control_->SetClientSite(site_.get());
+        control_->SetClientSite(site_.Get());
     }
     control_->SetHostNames(L"Visual Basic", caption_.c_str());
     RECT client;
@@ -124,7 +124,7 @@ void ToolWindow::Activate() {
     SIZEL extent = HimetricOf(client);
     control_->SetExtent(DVASPECT_CONTENT, &extent);
     Step("DoVerb");
-    hr = control_->DoVerb(OLEIVERB_INPLACEACTIVATE, nullptr, site_.get(), 0, client_, &client);
+    hr = control_->DoVerb(OLEIVERB_INPLACEACTIVATE, nullptr, site_.Get(), 0, client_, &client);
     if (FAILED(hr)) {
         Close();
         RaiseCannotCreate(progId_, hr);
@@ -250,8 +250,8 @@ void WindowObject::Run(DISPID id, const Call& call) {
     RECT bounds{};
     if (window_->Handle() != nullptr) GetWindowRect(window_->Handle(), &bounds);
     switch (id) {
-        case vbide::kWindowVBE: return call.ReturnObject(VbeObjectFor(context).get());
-        case vbide::kWindowCollection: return call.ReturnObject(WindowsObjectFor(context).get());
+        case vbide::kWindowVBE: return call.ReturnObject(VbeObjectFor(context).Get());
+        case vbide::kWindowCollection: return call.ReturnObject(WindowsObjectFor(context).Get());
         case vbide::kWindowClose:
             window_->SetVisible(false);
             return;
@@ -321,18 +321,18 @@ void WindowsObject::Run(DISPID id, const Call& call) {
     HostContext& context = Context();
     switch (id) {
         case vbide::kWindowsVBE:
-        case vbide::kWindowsParent: return call.ReturnObject(VbeObjectFor(context).get());
+        case vbide::kWindowsParent: return call.ReturnObject(VbeObjectFor(context).Get());
         case vbide::kWindowsCount:
             return call.ReturnLong(static_cast<std::int32_t>(context.ToolWindows().size()) + 1);
         case vbide::kItem: {
             const std::int32_t index = call.args.Long(0);
-            if (index == 1) return call.ReturnObject(MainWindowObjectFor(context).get());
+            if (index == 1) return call.ReturnObject(MainWindowObjectFor(context).Get());
             if (index < 2 || static_cast<std::size_t>(index - 1) > context.ToolWindows().size()) {
                 throw VbError(9, "Windows.Item", "Subscript out of range");
             }
             const std::shared_ptr<HostWindow> window =
                 context.ToolWindows()[static_cast<std::size_t>(index - 2)];
-            return call.ReturnObject(context.Wrap<WindowObject>(window).get());
+            return call.ReturnObject(context.Wrap<WindowObject>(window).Get());
         }
         case vbide::kWindowsCreateToolWindow: {
             if (!call.args.Has(0)) {
@@ -351,16 +351,16 @@ void WindowsObject::Run(DISPID id, const Call& call) {
             context.AddToolWindow(window);
             SetDocObj(docObj, window->Document());
             const std::shared_ptr<HostWindow> shown = window;
-            return call.ReturnObject(context.Wrap<WindowObject>(shown).get());
+            return call.ReturnObject(context.Wrap<WindowObject>(shown).Get());
         }
     }
 }
 
-ComRef<IDispatch> WindowsObjectFor(HostContext& context) {
+ComPtr<IDispatch> WindowsObjectFor(HostContext& context) {
     return context.Wrap<WindowsObject>(context.shared_from_this());
 }
 
-ComRef<IDispatch> MainWindowObjectFor(HostContext& context) {
+ComPtr<IDispatch> MainWindowObjectFor(HostContext& context) {
     if (!context.MainFrame()) return {};
     return context.Wrap<WindowObject>(context.MainFrame());
 }

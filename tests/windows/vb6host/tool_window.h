@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "vb6host/com_ref.h"
+#include "windows/com/com_ptr.h"
 #include "vb6host/dispatch_object.h"
 
 namespace arbolet::vb6host {
@@ -67,7 +67,7 @@ class ToolWindow final : public HostWindow, public std::enable_shared_from_this<
     // The window the control lives in.
     HWND Client() const { return client_; }
     // The control's IDispatch: what DocObj returns.
-    IDispatch* Document() const { return document_.get(); }
+    IDispatch* Document() const { return document_.Get(); }
     bool InPlaceActive() const { return inPlaceActive_; }
     void SetInPlaceActive(bool active) { inPlaceActive_ = active; }
     // Places the frame at `bounds` of its owner and the control in the frame's client area.
@@ -77,9 +77,9 @@ class ToolWindow final : public HostWindow, public std::enable_shared_from_this<
     // What the container did, in order ("SetClientSite", "DoVerb", ...), for tests.
     const std::vector<std::string>& Steps() const { return steps_; }
     void Step(std::string step) { steps_.push_back(std::move(step)); }
-    IOleInPlaceActiveObject* ActiveObject() const { return activeObject_.get(); }
+    IOleInPlaceActiveObject* ActiveObject() const { return activeObject_.Get(); }
     void SetActiveObject(IOleInPlaceActiveObject* object) {
-        activeObject_ = ComRef<IOleInPlaceActiveObject>(object);
+        activeObject_ = ComPtr<IOleInPlaceActiveObject>(object);
     }
 
   private:
@@ -94,10 +94,10 @@ class ToolWindow final : public HostWindow, public std::enable_shared_from_this<
     HWND client_ = nullptr;
     bool visible_ = false;
     bool inPlaceActive_ = false;
-    ComRef<ControlSite> site_;
-    ComRef<IOleObject> control_;
-    ComRef<IDispatch> document_;
-    ComRef<IOleInPlaceActiveObject> activeObject_;
+    ComPtr<ControlSite> site_;
+    ComPtr<IOleObject> control_;
+    ComPtr<IDispatch> document_;
+    ComPtr<IOleInPlaceActiveObject> activeObject_;
     std::vector<std::string> steps_;
 };
 
@@ -124,7 +124,7 @@ class WindowsObject final : public DispatchObject {
     void Run(DISPID id, const Call& call) override;
 };
 
-ComRef<IDispatch> WindowsObjectFor(HostContext& context);
-ComRef<IDispatch> MainWindowObjectFor(HostContext& context);
+ComPtr<IDispatch> WindowsObjectFor(HostContext& context);
+ComPtr<IDispatch> MainWindowObjectFor(HostContext& context);
 
 }  // namespace arbolet::vb6host
