@@ -819,7 +819,8 @@ void DiskComponents::Remove(const env::VBComponentRef& component) {
     }
     items.erase(found);
     const env::VBComponentRef gone = removed;
-    project->RaiseComponentEvent([&](env::VBComponentsEventsSink& sink) { sink.ItemRemoved(gone); });
+    project->RaiseComponentEvent(
+        [&](env::VBComponentsEventsSink& sink) { sink.ItemRemoved(gone); });
 }
 
 // ---- following the files on disk ----

@@ -60,7 +60,9 @@ BarControlRef ControlList::Add(std::int32_t type, std::optional<std::int32_t> be
     return control;
 }
 
-void ControlList::Remove(const BarControl& control) {
+void ControlList::Remove(BarControl& control) {
+    // A deleted control belongs to no list: every later call on it fails.
+    control.owner.reset();
     std::erase_if(items_, [&](const BarControlRef& item) { return item.get() == &control; });
     model_.Changed();
 }
@@ -93,7 +95,8 @@ BarControlRef CommandBarModel::FindCommand(std::uint32_t commandId) const {
 
 BarControlRef CommandBarModel::FindByTag(std::wstring_view tag) const {
     for (const CommandBarRef& bar : bars_) {
-        if (auto found = FindIn(*bar->controls, [&](const BarControl& c) { return c.tag == tag; })) {
+        if (auto found =
+                FindIn(*bar->controls, [&](const BarControl& c) { return c.tag == tag; })) {
             return found;
         }
     }

@@ -57,7 +57,7 @@ class ControlList : public std::enable_shared_from_this<ControlList> {
     BarControlRef FindByCaption(std::wstring_view caption) const;
     // Adds a control before the 1-based `before`, or at the end.
     BarControlRef Add(std::int32_t type, std::optional<std::int32_t> before);
-    void Remove(const BarControl& control);
+    void Remove(BarControl& control);
     std::shared_ptr<CommandBarData> Bar() const { return bar_.lock(); }
     CommandBarModel& Model() const { return model_; }
 

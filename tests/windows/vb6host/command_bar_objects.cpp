@@ -106,8 +106,10 @@ void CommandBarsObject::Run(DISPID id, const Call& call) {
             return ReturnEnumerator(call, std::move(items));
         }
         case vbide::kBarsApplication:
-        case vbide::kBarsParent: return call.ReturnObject(VbeObjectFor(context).Get());
-        case vbide::kBarsCreator: return call.ReturnLong(kCreator);
+        case vbide::kBarsParent:
+            return call.ReturnObject(VbeObjectFor(context).Get());
+        case vbide::kBarsCreator:
+            return call.ReturnLong(kCreator);
         case vbide::kBarsActiveMenuBar:
             return call.ReturnObject(BarObjectFor(context, model_->FindBar(L"Menu Bar")).Get());
         case vbide::kBarsAdd: {
@@ -119,7 +121,8 @@ void CommandBarsObject::Run(DISPID id, const Call& call) {
             model_->Changed();
             return call.ReturnObject(BarObjectFor(context, bar).Get());
         }
-        case vbide::kBarsCount: return call.ReturnLong(static_cast<std::int32_t>(model_->Bars().size()));
+        case vbide::kBarsCount:
+            return call.ReturnLong(static_cast<std::int32_t>(model_->Bars().size()));
         case vbide::kBarsFindControl:
             return call.ReturnObject(
                 ControlObjectFor(context, FindControl(model_->Bars(), call.args)).Get());
@@ -159,24 +162,31 @@ void CommandBarObject::Run(DISPID id, const Call& call) {
     HostContext& context = Context();
     switch (id) {
         case vbide::kBarApplication:
-        case vbide::kBarParent: return call.ReturnObject(VbeObjectFor(context).Get());
-        case vbide::kBarCreator: return call.ReturnLong(kCreator);
-        case vbide::kBarBuiltIn: return call.ReturnBool(bar_->builtIn);
+        case vbide::kBarParent:
+            return call.ReturnObject(VbeObjectFor(context).Get());
+        case vbide::kBarCreator:
+            return call.ReturnLong(kCreator);
+        case vbide::kBarBuiltIn:
+            return call.ReturnBool(bar_->builtIn);
         case vbide::kBarControls:
             return call.ReturnObject(context.Wrap<ControlsObject>(bar_->controls).Get());
-        case vbide::kBarEnabled: return call.ReturnBool(true);
+        case vbide::kBarEnabled:
+            return call.ReturnBool(true);
         case vbide::kBarFindControl:
-            return call.ReturnObject(ControlObjectFor(context, FindControl({bar_}, call.args)).Get());
+            return call.ReturnObject(
+                ControlObjectFor(context, FindControl({bar_}, call.args)).Get());
         case vbide::kBarIndex: {
             const auto& bars = context.Bars().Bars();
             const auto found = std::find(bars.begin(), bars.end(), bar_);
-            return call.ReturnLong(found == bars.end() ? 0
-                                                       : static_cast<std::int32_t>(found - bars.begin()) + 1);
+            return call.ReturnLong(
+                found == bars.end() ? 0 : static_cast<std::int32_t>(found - bars.begin()) + 1);
         }
         case vbide::kBarName:
         case vbide::kBarNameLocal:
-        case vbide::kAccName: return call.ReturnString(bar_->name);
-        case vbide::kBarType: return call.ReturnLong(bar_->type);
+        case vbide::kAccName:
+            return call.ReturnString(bar_->name);
+        case vbide::kBarType:
+            return call.ReturnLong(bar_->type);
         case vbide::kBarVisible:
             if (call.isPut) {
                 bar_->visible = Arguments::ToBool(call.args.Value());
@@ -221,8 +231,10 @@ void ControlsObject::Run(DISPID id, const Call& call) {
                 items.push_back(ControlObjectFor(context, control));
             return ReturnEnumerator(call, std::move(items));
         }
-        case vbide::kControlsApplication: return call.ReturnObject(VbeObjectFor(context).Get());
-        case vbide::kControlsCreator: return call.ReturnLong(kCreator);
+        case vbide::kControlsApplication:
+            return call.ReturnObject(VbeObjectFor(context).Get());
+        case vbide::kControlsCreator:
+            return call.ReturnLong(kCreator);
         case vbide::kControlsAdd: {
             const std::int32_t type = call.args.Has(0) ? call.args.Long(0) : kControlButton;
             if (type != kControlButton && type != kControlPopup) {
@@ -243,26 +255,21 @@ void ControlsObject::Run(DISPID id, const Call& call) {
 
 namespace {
 
-#define ARBOLET_CONTROL_MEMBERS                                                 \
-    {L"Application", vbide::kControlApplication, kGet},                         \
-        {L"Creator", vbide::kControlCreator, kGet},                             \
-        {L"BeginGroup", vbide::kControlBeginGroup, kGet},                       \
-        {L"BuiltIn", vbide::kControlBuiltIn, kGet},                             \
-        {L"Caption", vbide::kControlCaption, kGet},                             \
-        {L"Delete", vbide::kControlDelete, kCall},                              \
-        {L"DescriptionText", vbide::kControlDescriptionText, kGet},             \
-        {L"Enabled", vbide::kControlEnabled, kGet},                             \
-        {L"Execute", vbide::kControlExecute, kCall},                            \
-        {L"Id", vbide::kControlId, kGet}, {L"Index", vbide::kControlIndex, kGet}, \
-        {L"OnAction", vbide::kControlOnAction, kGet},                           \
-        {L"Parent", vbide::kControlParent, kGet},                               \
-        {L"Parameter", vbide::kControlParameter, kGet},                         \
-        {L"Tag", vbide::kControlTag, kGet},                                     \
-        {L"TooltipText", vbide::kControlTooltipText, kGet},                     \
-        {L"Type", vbide::kControlType, kGet},                                   \
-        {L"Visible", vbide::kControlVisible, kGet},                             \
-        {L"accName", vbide::kAccName, kGet},                                    \
-        {L"accDoDefaultAction", vbide::kAccDoDefaultAction, kCall}
+#define ARBOLET_CONTROL_MEMBERS                                                                   \
+    {L"Application", vbide::kControlApplication, kGet},                                           \
+        {L"Creator", vbide::kControlCreator, kGet},                                               \
+        {L"BeginGroup", vbide::kControlBeginGroup, kGet},                                         \
+        {L"BuiltIn", vbide::kControlBuiltIn, kGet}, {L"Caption", vbide::kControlCaption, kGet},   \
+        {L"Delete", vbide::kControlDelete, kCall},                                                \
+        {L"DescriptionText", vbide::kControlDescriptionText, kGet},                               \
+        {L"Enabled", vbide::kControlEnabled, kGet}, {L"Execute", vbide::kControlExecute, kCall},  \
+        {L"Id", vbide::kControlId, kGet}, {L"Index", vbide::kControlIndex, kGet},                 \
+        {L"OnAction", vbide::kControlOnAction, kGet}, {L"Parent", vbide::kControlParent, kGet},   \
+        {L"Parameter", vbide::kControlParameter, kGet}, {L"Tag", vbide::kControlTag, kGet},       \
+        {L"TooltipText", vbide::kControlTooltipText, kGet}, {L"Type", vbide::kControlType, kGet}, \
+        {L"Visible", vbide::kControlVisible, kGet}, {L"accName", vbide::kAccName, kGet}, {        \
+        L"accDoDefaultAction", vbide::kAccDoDefaultAction, kCall                                  \
+    }
 
 constexpr Member kButtonMembers[] = {
     ARBOLET_CONTROL_MEMBERS,
@@ -333,18 +340,24 @@ void ControlObject::Run(DISPID id, const Call& call) {
                       "The control has been deleted");
     }
     switch (id) {
-        case vbide::kControlApplication: return call.ReturnObject(VbeObjectFor(context).Get());
-        case vbide::kControlCreator: return call.ReturnLong(kCreator);
-        case vbide::kControlBeginGroup: return BoolProperty(call, c.beginGroup, model);
-        case vbide::kControlBuiltIn: return call.ReturnBool(c.builtIn);
+        case vbide::kControlApplication:
+            return call.ReturnObject(VbeObjectFor(context).Get());
+        case vbide::kControlCreator:
+            return call.ReturnLong(kCreator);
+        case vbide::kControlBeginGroup:
+            return BoolProperty(call, c.beginGroup, model);
+        case vbide::kControlBuiltIn:
+            return call.ReturnBool(c.builtIn);
         case vbide::kControlCaption:
-        case vbide::kAccName: return TextProperty(call, c.caption, model);
+        case vbide::kAccName:
+            return TextProperty(call, c.caption, model);
         case vbide::kControlDelete: {
             const auto owner = c.owner.lock();
             owner->Remove(c);
             return;
         }
-        case vbide::kControlDescriptionText: return TextProperty(call, c.descriptionText, model);
+        case vbide::kControlDescriptionText:
+            return TextProperty(call, c.descriptionText, model);
         case vbide::kControlEnabled:
             if (call.isPut) return BoolProperty(call, c.enabled, model);
             return call.ReturnBool(c.Enabled());
@@ -352,22 +365,30 @@ void ControlObject::Run(DISPID id, const Call& call) {
         case vbide::kAccDoDefaultAction:
             context.RunControl(control_);
             return;
-        case vbide::kControlId: return call.ReturnLong(c.id);
+        case vbide::kControlId:
+            return call.ReturnLong(c.id);
         case vbide::kControlIndex: {
             const auto& items = c.owner.lock()->Items();
             const auto found = std::find(items.begin(), items.end(), control_);
             return call.ReturnLong(static_cast<std::int32_t>(found - items.begin()) + 1);
         }
-        case vbide::kControlOnAction: return TextProperty(call, c.onAction, model);
+        case vbide::kControlOnAction:
+            return TextProperty(call, c.onAction, model);
         case vbide::kControlParent:
             return call.ReturnObject(BarObjectFor(context, c.owner.lock()->Bar()).Get());
-        case vbide::kControlParameter: return TextProperty(call, c.parameter, model);
-        case vbide::kControlTag: return TextProperty(call, c.tag, model);
-        case vbide::kControlTooltipText: return TextProperty(call, c.tooltip, model);
-        case vbide::kControlType: return call.ReturnLong(c.type);
-        case vbide::kControlVisible: return BoolProperty(call, c.visible, model);
+        case vbide::kControlParameter:
+            return TextProperty(call, c.parameter, model);
+        case vbide::kControlTag:
+            return TextProperty(call, c.tag, model);
+        case vbide::kControlTooltipText:
+            return TextProperty(call, c.tooltip, model);
+        case vbide::kControlType:
+            return call.ReturnLong(c.type);
+        case vbide::kControlVisible:
+            return BoolProperty(call, c.visible, model);
         default:
-            if (!RunOwn(id, call)) throw VbError(438, "Invoke", "Object doesn't support this property or method");
+            if (!RunOwn(id, call))
+                throw VbError(438, "Invoke", "Object doesn't support this property or method");
     }
 }
 
@@ -380,11 +401,21 @@ bool ButtonObject::RunOwn(DISPID id, const Call& call) {
     BarControl& c = *control_;
     CommandBarModel& model = Context().Bars();
     switch (id) {
-        case vbide::kButtonBuiltInFace: call.ReturnBool(c.builtIn && c.faceId == 0); return true;
-        case vbide::kButtonFaceId: LongProperty(call, c.faceId, model); return true;
-        case vbide::kButtonShortcutText: TextProperty(call, c.shortcutText, model); return true;
-        case vbide::kButtonState: LongProperty(call, c.state, model); return true;
-        case vbide::kButtonStyle: LongProperty(call, c.style, model); return true;
+        case vbide::kButtonBuiltInFace:
+            call.ReturnBool(c.builtIn && c.faceId == 0);
+            return true;
+        case vbide::kButtonFaceId:
+            LongProperty(call, c.faceId, model);
+            return true;
+        case vbide::kButtonShortcutText:
+            TextProperty(call, c.shortcutText, model);
+            return true;
+        case vbide::kButtonState:
+            LongProperty(call, c.state, model);
+            return true;
+        case vbide::kButtonStyle:
+            LongProperty(call, c.style, model);
+            return true;
     }
     return false;
 }

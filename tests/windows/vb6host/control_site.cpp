@@ -247,8 +247,10 @@ HRESULT ControlSite::TransformCoords(POINTL* himetric, POINTF* container, DWORD 
     const int dpiX = Dpi(true);
     const int dpiY = Dpi(false);
     if (flags & XFORMCOORDS_HIMETRICTOCONTAINER) {
-        container->x = static_cast<float>(himetric->x) * static_cast<float>(dpiX) / kHimetricPerInch;
-        container->y = static_cast<float>(himetric->y) * static_cast<float>(dpiY) / kHimetricPerInch;
+        container->x =
+            static_cast<float>(himetric->x) * static_cast<float>(dpiX) / kHimetricPerInch;
+        container->y =
+            static_cast<float>(himetric->y) * static_cast<float>(dpiY) / kHimetricPerInch;
     } else if (flags & XFORMCOORDS_CONTAINERTOHIMETRIC) {
         himetric->x = static_cast<LONG>(container->x * kHimetricPerInch / static_cast<float>(dpiX));
         himetric->y = static_cast<LONG>(container->y * kHimetricPerInch / static_cast<float>(dpiY));
@@ -321,8 +323,7 @@ HRESULT ControlSite::Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS*, VA
             return S_OK;
         case DISPID_AMBIENT_DISPLAYNAME:
             result->vt = VT_BSTR;
-            result->bstrVal = SysAllocString(
-                window_ != nullptr ? window_->Caption().c_str() : L"");
+            result->bstrVal = SysAllocString(window_ != nullptr ? window_->Caption().c_str() : L"");
             return S_OK;
     }
     return DISP_E_MEMBERNOTFOUND;

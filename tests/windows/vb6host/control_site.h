@@ -3,9 +3,9 @@
 // properties a VB container offers through IDispatch.
 #pragma once
 
-#include <windows.h>
 #include <ocidl.h>
 #include <ole2.h>
+#include <windows.h>
 
 #include <string>
 #include <vector>
@@ -59,8 +59,8 @@ class ControlSite final : public IOleClientSite,
     HRESULT STDMETHODCALLTYPE SetActiveObject(IOleInPlaceActiveObject* object,
                                               LPCOLESTR name) noexcept override;
     // IOleInPlaceFrame
-    HRESULT STDMETHODCALLTYPE InsertMenus(HMENU shared, LPOLEMENUGROUPWIDTHS widths) noexcept
-        override;
+    HRESULT STDMETHODCALLTYPE InsertMenus(HMENU shared,
+                                          LPOLEMENUGROUPWIDTHS widths) noexcept override;
     HRESULT STDMETHODCALLTYPE SetMenu(HMENU shared, HOLEMENU ole, HWND active) noexcept override;
     HRESULT STDMETHODCALLTYPE RemoveMenus(HMENU shared) noexcept override;
     HRESULT STDMETHODCALLTYPE SetStatusText(LPCOLESTR text) noexcept override;
@@ -72,15 +72,15 @@ class ControlSite final : public IOleClientSite,
     HRESULT STDMETHODCALLTYPE GetExtendedControl(IDispatch** control) noexcept override;
     HRESULT STDMETHODCALLTYPE TransformCoords(POINTL* himetric, POINTF* container,
                                               DWORD flags) noexcept override;
-    HRESULT STDMETHODCALLTYPE TranslateAccelerator(LPMSG message, DWORD modifiers) noexcept
-        override;
+    HRESULT STDMETHODCALLTYPE TranslateAccelerator(LPMSG message,
+                                                   DWORD modifiers) noexcept override;
     HRESULT STDMETHODCALLTYPE OnFocus(BOOL gotFocus) noexcept override;
     HRESULT STDMETHODCALLTYPE ShowPropertyFrame() noexcept override;
     // IDispatch: the ambient properties
     HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) noexcept override;
     HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo** info) noexcept override;
-    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) noexcept
-        override;
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID,
+                                            DISPID*) noexcept override;
     HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS*,
                                      VARIANT* result, EXCEPINFO*, UINT*) noexcept override;
 

@@ -46,8 +46,7 @@ HRESULT ExceptionFrom(const VbError& error, EXCEPINFO* exception) {
     if (exception != nullptr) {
         *exception = {};
         exception->bstrSource = SysAllocString(windows::Utf8ToWide(error.Source).c_str());
-        exception->bstrDescription =
-            SysAllocString(windows::Utf8ToWide(error.Description).c_str());
+        exception->bstrDescription = SysAllocString(windows::Utf8ToWide(error.Description).c_str());
         exception->scode = MAKE_HRESULT(SEVERITY_ERROR, FACILITY_CONTROL, error.Number & 0xFFFF);
     }
     return DISP_E_EXCEPTION;
@@ -58,12 +57,11 @@ HRESULT ExceptionFrom(const VbError& error, EXCEPINFO* exception) {
 // ---- arguments ----
 
 Arguments::Arguments(const DISPPARAMS& params, bool isPut) noexcept
-    : params_(params),
-      positional_(params.cArgs - (isPut && params.cNamedArgs > 0 ? 1 : 0)) {}
+    : params_(params), positional_(params.cArgs - (isPut && params.cNamedArgs > 0 ? 1 : 0)) {}
 
 bool Arguments::Has(std::size_t index) const noexcept {
-    return index < positional_ && !IsMissing(Dereferenced(
-                                      params_.rgvarg[params_.cArgs - 1 - index]));
+    return index < positional_ &&
+           !IsMissing(Dereferenced(params_.rgvarg[params_.cArgs - 1 - index]));
 }
 
 const VARIANT& Arguments::At(std::size_t index) const {
@@ -110,21 +108,26 @@ bool Arguments::ToBool(const VARIANT& value) {
 
 IDispatch* Arguments::ToObject(const VARIANT& value) {
     switch (value.vt) {
-        case VT_DISPATCH: return value.pdispVal;
-        case VT_DISPATCH | VT_BYREF: return value.ppdispVal ? *value.ppdispVal : nullptr;
+        case VT_DISPATCH:
+            return value.pdispVal;
+        case VT_DISPATCH | VT_BYREF:
+            return value.ppdispVal ? *value.ppdispVal : nullptr;
         case VT_EMPTY:
-        case VT_NULL: return nullptr;
+        case VT_NULL:
+            return nullptr;
         case VT_UNKNOWN:
         case VT_UNKNOWN | VT_BYREF: {
-            IUnknown* unknown = value.vt == VT_UNKNOWN ? value.punkVal
-                                                       : (value.ppunkVal ? *value.ppunkVal : nullptr);
+            IUnknown* unknown = value.vt == VT_UNKNOWN
+                                    ? value.punkVal
+                                    : (value.ppunkVal ? *value.ppunkVal : nullptr);
             if (unknown == nullptr) return nullptr;
             // The caller's reference keeps the object alive during the call.
             ComPtr<IDispatch> dispatch = ComPtr<IUnknown>(unknown).As<IDispatch>(IID_IDispatch);
             if (!dispatch) RaiseTypeMismatch();
             return dispatch.Get();
         }
-        default: RaiseTypeMismatch();
+        default:
+            RaiseTypeMismatch();
     }
 }
 

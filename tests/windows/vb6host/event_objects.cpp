@@ -41,7 +41,8 @@ void Clear(std::vector<VARIANT>& arguments) {
 // Forwards the environment's project events to the connection point's sinks.
 class ProjectsBridge final : public env::VBProjectsEventsSink {
   public:
-    ProjectsBridge(HostContext& context, ConnectionPoint& point) : context_(context), point_(point) {}
+    ProjectsBridge(HostContext& context, ConnectionPoint& point)
+        : context_(context), point_(point) {}
     void ItemAdded(const env::VBProjectRef& p) override { Fire(vbide::kItemAdded, p); }
     void ItemRemoved(const env::VBProjectRef& p) override { Fire(vbide::kItemRemoved, p); }
     void ItemRenamed(const env::VBProjectRef& p, std::string_view oldName) override {
@@ -116,7 +117,8 @@ HRESULT ConnectionPoint::GetConnectionInterface(IID* iid) noexcept {
     return S_OK;
 }
 
-HRESULT ConnectionPoint::GetConnectionPointContainer(IConnectionPointContainer** container) noexcept {
+HRESULT ConnectionPoint::GetConnectionPointContainer(
+    IConnectionPointContainer** container) noexcept {
     if (container == nullptr) return E_POINTER;
     *container = &owner_;
     owner_.AddRef();
@@ -228,7 +230,8 @@ HRESULT EventSourceObject::FindConnectionPoint(REFIID iid, IConnectionPoint** po
     return S_OK;
 }
 
-const InterfaceInfo ProjectsEventsObject::kInterface = {L"VBProjectsEvents", vbide::kIidVBProjectsEventsClass};
+const InterfaceInfo ProjectsEventsObject::kInterface = {L"VBProjectsEvents",
+                                                        vbide::kIidVBProjectsEventsClass};
 
 ProjectsEventsObject::ProjectsEventsObject(std::shared_ptr<HostContext> context,
                                            std::shared_ptr<env::VBProjectsEvents> source)
@@ -247,7 +250,8 @@ void ProjectsEventsObject::OnLastUnadvise() {
     source_->Unadvise(std::exchange(cookie_, 0));
 }
 
-const InterfaceInfo ComponentsEventsObject::kInterface = {L"VBComponentsEvents", vbide::kIidVBComponentsEventsClass};
+const InterfaceInfo ComponentsEventsObject::kInterface = {L"VBComponentsEvents",
+                                                          vbide::kIidVBComponentsEventsClass};
 
 ComponentsEventsObject::ComponentsEventsObject(std::shared_ptr<HostContext> context,
                                                std::shared_ptr<env::VBComponentsEvents> source)
@@ -266,7 +270,8 @@ void ComponentsEventsObject::OnLastUnadvise() {
     source_->Unadvise(std::exchange(cookie_, 0));
 }
 
-const InterfaceInfo CommandBarEventsObject::kInterface = {L"CommandBarEvents", vbide::kIidCommandBarEventsClass};
+const InterfaceInfo CommandBarEventsObject::kInterface = {L"CommandBarEvents",
+                                                          vbide::kIidCommandBarEventsClass};
 
 CommandBarEventsObject::CommandBarEventsObject(std::shared_ptr<HostContext> context,
                                                BarControlRef control)
@@ -309,14 +314,14 @@ void EventsObject::Run(DISPID id, const Call& call) {
             return;
         case vbide::kEventsVBComponentsEvents: {
             const env::VBProjectRef project = ProjectOf(call.args.Object(0));
-            call.ReturnObject(Context()
-                                  .Wrap<ComponentsEventsObject>(events_->VBComponentsEvents(project))
-                                  .Get());
+            call.ReturnObject(
+                Context().Wrap<ComponentsEventsObject>(events_->VBComponentsEvents(project)).Get());
             return;
         }
         case vbide::kEventsCommandBarEvents: {
             const BarControlRef control = ControlOf(call.args.Object(0));
-            if (!control) throw VbError(5, "Events.CommandBarEvents", "Invalid procedure call or argument");
+            if (!control)
+                throw VbError(5, "Events.CommandBarEvents", "Invalid procedure call or argument");
             call.ReturnObject(Context().Wrap<CommandBarEventsObject>(control).Get());
             return;
         }

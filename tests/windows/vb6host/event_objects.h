@@ -24,8 +24,8 @@ class ConnectionPoint final : public IConnectionPoint {
     ULONG STDMETHODCALLTYPE AddRef() noexcept override;
     ULONG STDMETHODCALLTYPE Release() noexcept override;
     HRESULT STDMETHODCALLTYPE GetConnectionInterface(IID* iid) noexcept override;
-    HRESULT STDMETHODCALLTYPE GetConnectionPointContainer(
-        IConnectionPointContainer** container) noexcept override;
+    HRESULT STDMETHODCALLTYPE
+    GetConnectionPointContainer(IConnectionPointContainer** container) noexcept override;
     HRESULT STDMETHODCALLTYPE Advise(IUnknown* sink, DWORD* cookie) noexcept override;
     HRESULT STDMETHODCALLTYPE Unadvise(DWORD cookie) noexcept override;
     HRESULT STDMETHODCALLTYPE EnumConnections(IEnumConnections** connections) noexcept override;
@@ -53,10 +53,10 @@ class EventSourceObject : public DispatchObject, public IConnectionPointContaine
     }
     ULONG STDMETHODCALLTYPE AddRef() noexcept override { return DispatchObject::AddRef(); }
     ULONG STDMETHODCALLTYPE Release() noexcept override { return DispatchObject::Release(); }
-    HRESULT STDMETHODCALLTYPE EnumConnectionPoints(IEnumConnectionPoints** points) noexcept
-        override;
-    HRESULT STDMETHODCALLTYPE FindConnectionPoint(REFIID iid, IConnectionPoint** point) noexcept
-        override;
+    HRESULT STDMETHODCALLTYPE
+    EnumConnectionPoints(IEnumConnectionPoints** points) noexcept override;
+    HRESULT STDMETHODCALLTYPE FindConnectionPoint(REFIID iid,
+                                                  IConnectionPoint** point) noexcept override;
 
     ConnectionPoint& Point() { return point_; }
     using DispatchObject::RecordCall;

@@ -5,6 +5,7 @@
 #include "vb6host/event_objects.h"
 #include "vb6host/ide_objects.h"
 #include "vb6host/tool_window.h"
+#include "windows/registry/ansi_text.h"
 
 namespace arbolet::vb6host {
 
@@ -75,7 +76,15 @@ bool HostContext::RunControl(const BarControlRef& control) {
                                        [&](const ClickSource& s) { return s.point == point; });
         if (known) FireClick(*point, object.Get(), handled, cancelDefault);
     }
-    if (!cancelDefault && control->action) control->action();
+    if (!cancelDefault && control->action) {
+        // The IDE shows its own message for a command that fails; the host keeps it.
+        try {
+            control->action();
+        } catch (const std::exception& error) {
+            errors_.push_back(windows::WideToUtf8(PlainCaption(control->caption)) + ": " +
+                              error.what());
+        }
+    }
     return true;
 }
 

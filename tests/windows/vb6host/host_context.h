@@ -13,10 +13,10 @@
 #include <vector>
 
 #include "disk/disk_environment.h"
-#include "windows/com/com_ptr.h"
 #include "vb6host/command_bar_model.h"
 #include "vb6host/dispatch_object.h"
 #include "vb6host/transcript.h"
+#include "windows/com/com_ptr.h"
 
 namespace arbolet::vb6host {
 
@@ -47,9 +47,7 @@ class HostContext : public std::enable_shared_from_this<HostContext> {
     HostContext& operator=(const HostContext&) = delete;
 
     disk::DiskEnvironment& Environment() const { return *environment_; }
-    const std::shared_ptr<disk::DiskEnvironment>& SharedEnvironment() const {
-        return environment_;
-    }
+    const std::shared_ptr<disk::DiskEnvironment>& SharedEnvironment() const { return environment_; }
     vb6host::Transcript& Transcript() { return transcript_; }
     CommandBarModel& Bars() { return bars_; }
 
@@ -107,6 +105,8 @@ class HostContext : public std::enable_shared_from_this<HostContext> {
     // Runs a control as a click on it: the click events first, then, unless a handler
     // cancelled it, the IDE's own command. Returns false for a disabled or deleted control.
     bool RunControl(const BarControlRef& control);
+    // The messages of the IDE's own commands that failed, in order.
+    const std::vector<std::string>& Errors() const { return errors_; }
 
     // The add-in's connection object as the AddIn object holds it (AddIn.Object).
     ComPtr<IDispatch>& AddInObject() { return addInObject_; }
@@ -126,6 +126,7 @@ class HostContext : public std::enable_shared_from_this<HostContext> {
     std::shared_ptr<HostWindow> mainFrame_;
     std::vector<std::shared_ptr<ToolWindow>> toolWindows_;
     std::vector<ClickSource> clickSources_;
+    std::vector<std::string> errors_;
     ComPtr<IDispatch> addInObject_;
     std::shared_ptr<AddInData> addIn_ = std::make_shared<AddInData>();
 };

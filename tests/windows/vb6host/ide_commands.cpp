@@ -21,9 +21,9 @@ namespace {
 
 struct NewComponentKind {
     ComponentType type;
-    const char* baseName;   // the IDE's name for new components of the kind, before the number
+    const char* baseName;  // the IDE's name for new components of the kind, before the number
     const char* extension;
-    const char* designer;   // the class after Begin; nullptr for modules and classes
+    const char* designer;  // the class after Begin; nullptr for modules and classes
 };
 
 constexpr NewComponentKind kNewKinds[] = {
@@ -120,12 +120,14 @@ ProjectType TypeOfProject(const env::VBProject& project) {
 
 bool CanAdd(const env::VBProject& project, ComponentType type) {
     switch (type) {
-        case ComponentType::VBMDIForm: return !ProjectHasType(project, ComponentType::VBMDIForm);
+        case ComponentType::VBMDIForm:
+            return !ProjectHasType(project, ComponentType::VBMDIForm);
         case ComponentType::DocObject: {
             const ProjectType projectType = TypeOfProject(project);
             return projectType == ProjectType::ActiveXExe || projectType == ProjectType::ActiveXDll;
         }
-        default: return KindOf(type) != nullptr;
+        default:
+            return KindOf(type) != nullptr;
     }
 }
 
@@ -155,8 +157,10 @@ bool HasDesigner(ComponentType type) {
         case ComponentType::UserControl:
         case ComponentType::PropPage:
         case ComponentType::DocObject:
-        case ComponentType::ActiveXDesigner: return true;
-        default: return false;
+        case ComponentType::ActiveXDesigner:
+            return true;
+        default:
+            return false;
     }
 }
 
@@ -220,23 +224,26 @@ void BuildIdeCommandBars(HostContext& context) {
     ControlList& project = AddMenu(*menuBar->controls, L"&Project");
     ControlList& addIns = AddMenu(*menuBar->controls, L"&Add-Ins");
 
-    AddButton(file, L"Remo&ve Project",
-              [host, active] {
-                  if (auto p = active()) host->Environment().RemoveProject(p);
-              },
-              [active] { return active() != nullptr; });
+    AddButton(
+        file, L"Remo&ve Project",
+        [host, active] {
+            if (auto p = active()) host->Environment().RemoveProject(p);
+        },
+        [active] { return active() != nullptr; });
     AddButton(file, L"Sa&ve Project", save, [active] { return active() != nullptr; });
 
-    AddButton(view, L"&Code", [host, selected] { ShowCode(*host, selected()); },
-              [selected] {
-                  const auto c = selected();
-                  return c && c->CodeModule() != nullptr;
-              });
-    AddButton(view, L"O&bject", [host, selected] { ShowDesigner(*host, selected()); },
-              [selected] {
-                  const auto c = selected();
-                  return c && HasDesigner(c->Type());
-              });
+    AddButton(
+        view, L"&Code", [host, selected] { ShowCode(*host, selected()); },
+        [selected] {
+            const auto c = selected();
+            return c && c->CodeModule() != nullptr;
+        });
+    AddButton(
+        view, L"O&bject", [host, selected] { ShowDesigner(*host, selected()); },
+        [selected] {
+            const auto c = selected();
+            return c && HasDesigner(c->Type());
+        });
 
     struct AddCommand {
         const wchar_t* caption;
@@ -253,26 +260,30 @@ void BuildIdeCommandBars(HostContext& context) {
     };
     for (const AddCommand& command : kAddCommands) {
         const ComponentType type = command.type;
-        AddButton(project, command.caption,
-                  [host, active, type] { Select(*host, AddNewComponent(active(), type)); },
-                  [active, type] {
-                      const auto p = active();
-                      return p && CanAdd(*p, type);
-                  });
+        AddButton(
+            project, command.caption,
+            [host, active, type] { Select(*host, AddNewComponent(active(), type)); },
+            [active, type] {
+                const auto p = active();
+                return p && CanAdd(*p, type);
+            });
     }
-    AddButton(project, L"&Remove",
-              [selected] {
-                  if (auto c = selected()) env::ProjectOf(*c)->VBComponents()->Remove(c);
-              },
-              [selected] { return selected() != nullptr; })
+    AddButton(
+        project, L"&Remove",
+        [selected] {
+            if (auto c = selected()) env::ProjectOf(*c)->VBComponents()->Remove(c);
+        },
+        [selected] { return selected() != nullptr; })
         ->beginGroup = true;
 
     // The Add-In Manager's dialog is the IDE's own; the host has no such dialog.
     AddButton(addIns, L"&Add-In Manager...", {}, [] { return false; });
-    AddButton(*standard->controls, L"Add &Form",
-              [host, active] { Select(*host, AddNewComponent(active(), ComponentType::VBForm)); },
+    AddButton(
+        *standard->controls, L"Add &Form",
+        [host, active] { Select(*host, AddNewComponent(active(), ComponentType::VBForm)); },
+        [active] { return active() != nullptr; });
+    AddButton(*standard->controls, L"Sa&ve Project", save,
               [active] { return active() != nullptr; });
-    AddButton(*standard->controls, L"Sa&ve Project", save, [active] { return active() != nullptr; });
 
     // The menus' own bars follow the toolbar, as Office lists them.
     for (const BarControlRef& menu : menuBar->controls->Items())

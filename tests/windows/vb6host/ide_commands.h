@@ -13,7 +13,12 @@ namespace arbolet::vb6host {
 class HostContext;
 
 // vbext_ProjectType.
-enum class ProjectType : std::int32_t { StandardExe = 0, ActiveXExe = 1, ActiveXDll = 2, ActiveXControl = 3 };
+enum class ProjectType : std::int32_t {
+    StandardExe = 0,
+    ActiveXExe = 1,
+    ActiveXDll = 2,
+    ActiveXControl = 3
+};
 
 // From the project file's Type line.
 ProjectType TypeOfProject(const env::VBProject& project);

@@ -172,13 +172,16 @@ VbeObject::VbeObject(std::shared_ptr<HostContext> context,
 void VbeObject::Run(DISPID id, const Call& call) {
     HostContext& context = Context();
     switch (id) {
-        case vbide::kVbeName: return call.ReturnString(L"Microsoft Visual Basic");
-        case vbide::kVbeVersion: return call.ReturnString(L"6.00");
+        case vbide::kVbeName:
+            return call.ReturnString(L"Microsoft Visual Basic");
+        case vbide::kVbeVersion:
+            return call.ReturnString(L"6.00");
         case vbide::kVbeVBProjects:
             return call.ReturnObject(context.Wrap<ProjectsObject>(env_->VBProjects()).Get());
         case vbide::kVbeCommandBars:
             return call.ReturnObject(CommandBarsObjectFor(context).Get());
-        case vbide::kVbeWindows: return call.ReturnObject(WindowsObjectFor(context).Get());
+        case vbide::kVbeWindows:
+            return call.ReturnObject(WindowsObjectFor(context).Get());
         case vbide::kVbeEvents:
             return call.ReturnObject(context.Wrap<EventsObject>(env_->Events()).Get());
         case vbide::kVbeAddins:
@@ -192,7 +195,8 @@ void VbeObject::Run(DISPID id, const Call& call) {
         case vbide::kVbeSelectedVBComponent:
             return call.ReturnObject(
                 ComponentObjectFor(context, context.SelectedComponent()).Get());
-        case vbide::kVbeMainWindow: return call.ReturnObject(MainWindowObjectFor(context).Get());
+        case vbide::kVbeMainWindow:
+            return call.ReturnObject(MainWindowObjectFor(context).Get());
         case vbide::kVbeActiveCodePane: {
             if (call.isPut) {
                 throw VbError(383, "VBE.ActiveCodePane", "Property is read-only");
@@ -236,8 +240,10 @@ void ProjectsObject::Run(DISPID id, const Call& call) {
                                         return ProjectObjectFor(context, p);
                                     }));
         case vbide::kProjectsParent:
-        case vbide::kProjectsVBE: return call.ReturnObject(VbeObjectFor(context).Get());
-        case vbide::kProjectsCount: return call.ReturnLong(projects_->Count());
+        case vbide::kProjectsVBE:
+            return call.ReturnObject(VbeObjectFor(context).Get());
+        case vbide::kProjectsCount:
+            return call.ReturnLong(projects_->Count());
         case vbide::kProjectsAddFromFile: {
             const auto added = context.Environment().AddFromFile(
                 disk::PathFromUtf8(WideToUtf8(call.args.String(0))));
@@ -300,9 +306,12 @@ void ProjectObject::Run(DISPID id, const Call& call) {
                 return;
             }
             return call.ReturnUtf8(project_->Name());
-        case vbide::kProjectFileName: return call.ReturnUtf8(project_->FileName());
-        case vbide::kProjectIsDirty: return call.ReturnBool(ProjectChanged(context, *project_));
-        case vbide::kProjectSaved: return call.ReturnBool(!ProjectChanged(context, *project_));
+        case vbide::kProjectFileName:
+            return call.ReturnUtf8(project_->FileName());
+        case vbide::kProjectIsDirty:
+            return call.ReturnBool(ProjectChanged(context, *project_));
+        case vbide::kProjectSaved:
+            return call.ReturnBool(!ProjectChanged(context, *project_));
         case vbide::kProjectWriteProperty:
             project_->WriteProperty(WideToUtf8(call.args.String(0)),
                                     WideToUtf8(call.args.String(1)),
@@ -311,7 +320,8 @@ void ProjectObject::Run(DISPID id, const Call& call) {
         case vbide::kProjectReadProperty:
             return call.ReturnUtf8(project_->ReadProperty(WideToUtf8(call.args.String(0)),
                                                           WideToUtf8(call.args.String(1))));
-        case vbide::kProjectVBE: return call.ReturnObject(VbeObjectFor(context).Get());
+        case vbide::kProjectVBE:
+            return call.ReturnObject(VbeObjectFor(context).Get());
         case vbide::kProjectCollection:
             return call.ReturnObject(context.Wrap<ProjectsObject>(project_->Collection()).Get());
         case vbide::kProjectType:
@@ -348,15 +358,15 @@ void ComponentsObject::Run(DISPID id, const Call& call) {
     HostContext& context = Context();
     switch (id) {
         case vbide::kItem:
-            return call.ReturnObject(
-                ComponentObjectFor(context, ItemOf(*components_, call)).Get());
+            return call.ReturnObject(ComponentObjectFor(context, ItemOf(*components_, call)).Get());
         case vbide::kNewEnum:
             return ReturnEnumerator(call, AllOf(*components_, [&](const env::VBComponentRef& c) {
                                         return ComponentObjectFor(context, c);
                                     }));
         case vbide::kComponentsParent:
             return call.ReturnObject(ProjectObjectFor(context, components_->Parent()).Get());
-        case vbide::kComponentsCount: return call.ReturnLong(components_->Count());
+        case vbide::kComponentsCount:
+            return call.ReturnLong(components_->Count());
         case vbide::kComponentsRemove: {
             const auto component = ComponentOf(call.args.Object(0));
             if (!component) throw VbError(91, "VBComponents.Remove", "Object variable not set");
@@ -368,7 +378,8 @@ void ComponentsObject::Run(DISPID id, const Call& call) {
             return call.ReturnObject(
                 ComponentObjectFor(context, AddNewComponent(components_->Parent(), type)).Get());
         }
-        case vbide::kComponentsVBE: return call.ReturnObject(VbeObjectFor(context).Get());
+        case vbide::kComponentsVBE:
+            return call.ReturnObject(VbeObjectFor(context).Get());
         case vbide::kComponentsAddFile:
             return call.ReturnObject(
                 ComponentObjectFor(context, components_->AddFile(WideToUtf8(call.args.String(0))))
@@ -422,7 +433,8 @@ void ComponentObject::Run(DISPID id, const Call& call) {
             }
             return call.ReturnUtf8(component_->FileNames(static_cast<std::int16_t>(index)));
         }
-        case vbide::kComponentFileCount: return call.ReturnLong(component_->FileCount());
+        case vbide::kComponentFileCount:
+            return call.ReturnLong(component_->FileCount());
         case vbide::kComponentName:
             if (call.isPut) {
                 component_->SetName(WideToUtf8(Arguments::ToString(call.args.Value())));
@@ -434,7 +446,8 @@ void ComponentObject::Run(DISPID id, const Call& call) {
             return call.ReturnObject(context.Wrap<CodeModuleObject>(component_).Get());
         case vbide::kComponentType:
             return call.ReturnLong(static_cast<std::int32_t>(component_->Type()));
-        case vbide::kComponentVBE: return call.ReturnObject(VbeObjectFor(context).Get());
+        case vbide::kComponentVBE:
+            return call.ReturnObject(VbeObjectFor(context).Get());
         case vbide::kComponentCollection:
             return call.ReturnObject(
                 context.Wrap<ComponentsObject>(component_->Collection()).Get());
@@ -487,8 +500,10 @@ void CodeModuleObject::Run(DISPID id, const Call& call) {
     switch (id) {
         case vbide::kCodeModuleParent:
             return call.ReturnObject(ComponentObjectFor(context, component_).Get());
-        case vbide::kCodeModuleVBE: return call.ReturnObject(VbeObjectFor(context).Get());
-        case vbide::kCodeModuleName: return call.ReturnUtf8(component_->Name());
+        case vbide::kCodeModuleVBE:
+            return call.ReturnObject(VbeObjectFor(context).Get());
+        case vbide::kCodeModuleName:
+            return call.ReturnUtf8(component_->Name());
         case vbide::kCodeModuleLines:
             return call.ReturnUtf8(
                 CodeOf(*component_)->Lines(call.args.Long(0), call.args.Long(1)));
@@ -527,8 +542,7 @@ void PutLong(VARIANT& slot, std::int32_t value) {
 
 const InterfaceInfo CodePaneObject::kInterface = {L"CodePane", vbide::kIidCodePane};
 
-CodePaneObject::CodePaneObject(std::shared_ptr<HostContext> context,
-                               env::VBComponentRef component)
+CodePaneObject::CodePaneObject(std::shared_ptr<HostContext> context, env::VBComponentRef component)
     : DispatchObject(std::move(context), kInterface, kCodePaneMembers),
       component_(std::move(component)) {}
 
@@ -536,7 +550,8 @@ void CodePaneObject::Run(DISPID id, const Call& call) {
     HostContext& context = Context();
     CodePaneState& pane = context.CodePane(component_.get());
     switch (id) {
-        case vbide::kCodePaneVBE: return call.ReturnObject(VbeObjectFor(context).Get());
+        case vbide::kCodePaneVBE:
+            return call.ReturnObject(VbeObjectFor(context).Get());
         case vbide::kCodePaneGetSelection:
             for (std::size_t i = 0; i < 4; ++i)
                 PutLong(call.args.ByRef(i), pane.selection[i]);
@@ -551,7 +566,8 @@ void CodePaneObject::Run(DISPID id, const Call& call) {
                 pane.selection[i] = value;
             }
             // The IDE scrolls a selection that is out of view to the top of the window.
-            if (pane.selection[0] < pane.topLine || pane.selection[0] >= pane.topLine + kVisibleLines) {
+            if (pane.selection[0] < pane.topLine ||
+                pane.selection[0] >= pane.topLine + kVisibleLines) {
                 pane.topLine = pane.selection[0];
             }
             return;
@@ -562,10 +578,13 @@ void CodePaneObject::Run(DISPID id, const Call& call) {
                 return;
             }
             return call.ReturnLong(pane.topLine);
-        case vbide::kCodePaneCountOfVisibleLines: return call.ReturnLong(kVisibleLines);
+        case vbide::kCodePaneCountOfVisibleLines:
+            return call.ReturnLong(kVisibleLines);
         case vbide::kCodePaneCodeModule:
             return call.ReturnObject(context.Wrap<CodeModuleObject>(component_).Get());
-        case vbide::kCodePaneShow: ShowCode(context, component_); return;
+        case vbide::kCodePaneShow:
+            ShowCode(context, component_);
+            return;
     }
 }
 
@@ -603,11 +622,14 @@ void AddInObject::Run(DISPID id, const Call& call) {
                 return;
             }
             return call.ReturnString(addIn_->description);
-        case vbide::kAddInVBE: return call.ReturnObject(VbeObjectFor(context).Get());
+        case vbide::kAddInVBE:
+            return call.ReturnObject(VbeObjectFor(context).Get());
         case vbide::kAddInCollection:
             return call.ReturnObject(context.Wrap<AddInsObject>(addIn_).Get());
-        case vbide::kAddInProgId: return call.ReturnString(addIn_->progId);
-        case vbide::kAddInGuid: return call.ReturnString(addIn_->guid);
+        case vbide::kAddInProgId:
+            return call.ReturnString(addIn_->progId);
+        case vbide::kAddInGuid:
+            return call.ReturnString(addIn_->guid);
         case vbide::kAddInConnect:
             if (call.isPut) throw VbError(383, "AddIn.Connect", "Property is read-only");
             return call.ReturnBool(addIn_->connected);
@@ -631,14 +653,16 @@ void AddInsObject::Run(DISPID id, const Call& call) {
         case vbide::kItem: {
             const VARIANT& index = call.args.At(0);
             const bool matches = IsText(index) ? _wcsicmp(Arguments::ToString(index).c_str(),
-                                                           addIn_->progId.c_str()) == 0
+                                                          addIn_->progId.c_str()) == 0
                                                : Arguments::ToLong(index) == 1;
             if (!matches) throw VbError(9, "Addins.Item", "Subscript out of range");
             return call.ReturnObject(context.Wrap<AddInObject>(addIn_).Get());
         }
         case vbide::kAddInsVBE:
-        case vbide::kAddInsParent: return call.ReturnObject(VbeObjectFor(context).Get());
-        case vbide::kAddInsCount: return call.ReturnLong(1);
+        case vbide::kAddInsParent:
+            return call.ReturnObject(VbeObjectFor(context).Get());
+        case vbide::kAddInsCount:
+            return call.ReturnLong(1);
     }
 }
 

@@ -2,6 +2,7 @@
 #include "vb6host/main_window.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "vb6host/host_context.h"
 #include "vb6host/tool_window.h"
@@ -16,7 +17,8 @@ constexpr int kToolWindowWidth = 360;
 void AppendControls(HMENU menu, const ControlList& controls) {
     for (const BarControlRef& control : controls.Items()) {
         if (!control->visible) continue;
-        if (control->beginGroup && GetMenuItemCount(menu) > 0) AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
+        if (control->beginGroup && GetMenuItemCount(menu) > 0)
+            AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
         if (control->type == kControlPopup) {
             HMENU sub = CreatePopupMenu();
             AppendControls(sub, *control->subBar->controls);
@@ -85,11 +87,13 @@ void MainWindow::Rebuild() {
             SIZE size{};
             GetTextExtentPoint32W(dc, text.c_str(), static_cast<int>(text.size()), &size);
             const int width = size.cx + 16;
-            HWND button = CreateWindowExW(
-                0, L"BUTTON", text.c_str(), WS_CHILD | WS_VISIBLE | BS_PUSHBUTTON, x, 2, width,
-                kToolbarHeight - 4, window_, reinterpret_cast<HMENU>(static_cast<UINT_PTR>(control->commandId)),
-                GetModuleHandleW(nullptr), nullptr);
-            SendMessageW(button, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), FALSE);
+            HWND button =
+                CreateWindowExW(0, L"BUTTON", text.c_str(), WS_CHILD | WS_VISIBLE | BS_PUSHBUTTON,
+                                x, 2, width, kToolbarHeight - 4, window_,
+                                reinterpret_cast<HMENU>(static_cast<UINT_PTR>(control->commandId)),
+                                GetModuleHandleW(nullptr), nullptr);
+            SendMessageW(button, WM_SETFONT,
+                         reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), FALSE);
             EnableWindow(button, control->Enabled());
             buttons_.emplace_back(button, control);
             x += width + 2;
@@ -154,7 +158,8 @@ void MainWindow::LayOut(int width, int height) {
 LRESULT CALLBACK MainWindow::Proc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_NCCREATE) {
         const auto* create = reinterpret_cast<const CREATESTRUCTW*>(lParam);
-        SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(create->lpCreateParams));
+        SetWindowLongPtrW(window, GWLP_USERDATA,
+                          reinterpret_cast<LONG_PTR>(create->lpCreateParams));
     }
     auto* self = reinterpret_cast<MainWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
     if (self == nullptr || self->window_ != window) {
@@ -171,10 +176,20 @@ LRESULT MainWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
                 return 0;
             }
             break;
-        case WM_INITMENUPOPUP: UpdateMenuStates(reinterpret_cast<HMENU>(wParam)); return 0;
-        case WM_SIZE: LayOut(LOWORD(lParam), HIWORD(lParam)); return 0;
-        case WM_CLOSE: ShowWindow(window_, SW_HIDE); return 0;
-        case WM_NCDESTROY: SetWindowLongPtrW(window_, GWLP_USERDATA, 0); window_ = nullptr; break;
+        case WM_INITMENUPOPUP:
+            UpdateMenuStates(reinterpret_cast<HMENU>(wParam));
+            return 0;
+        case WM_SIZE:
+            LayOut(LOWORD(lParam), HIWORD(lParam));
+            return 0;
+        case WM_CLOSE:
+            ShowWindow(window_, SW_HIDE);
+            return 0;
+        case WM_NCDESTROY: {
+            HWND window = std::exchange(window_, nullptr);
+            SetWindowLongPtrW(window, GWLP_USERDATA, 0);
+            return DefWindowProcW(window, message, wParam, lParam);
+        }
     }
     return DefWindowProcW(window_, message, wParam, lParam);
 }

@@ -38,8 +38,8 @@ void RegisterClasses(WNDPROC frameProc) {
     char code[16];
     wsprintfA(code, "%08lX", static_cast<unsigned long>(hr));
     throw VbError(429, "Windows.CreateToolWindow",
-                  "ActiveX component can't create object: " + windows::WideToUtf8(progId) +
-                      " (0x" + code + ")");
+                  "ActiveX component can't create object: " + windows::WideToUtf8(progId) + " (0x" +
+                      code + ")");
 }
 
 SIZEL HimetricOf(const RECT& rect) {
@@ -77,12 +77,13 @@ std::shared_ptr<ToolWindow> ToolWindow::Create(HWND owner, const std::wstring& p
     RegisterClasses(&ToolWindow::FrameProc);
     auto window = std::shared_ptr<ToolWindow>(new ToolWindow(owner, progId, caption, guidPosition));
     // A docked frame: a child of the main window with its own caption bar.
-    window->frame_ = CreateWindowExW(WS_EX_TOOLWINDOW, kFrameClass, caption.c_str(),
-                                     WS_CHILD | WS_CAPTION | WS_CLIPCHILDREN | WS_CLIPSIBLINGS, 0,
-                                     0, 300, 400, owner, nullptr, GetModuleHandleW(nullptr), nullptr);
-    window->client_ = CreateWindowExW(0, kClientClass, L"", WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN,
-                                      0, 0, 300, 380, window->frame_, nullptr,
-                                      GetModuleHandleW(nullptr), nullptr);
+    window->frame_ =
+        CreateWindowExW(WS_EX_TOOLWINDOW, kFrameClass, caption.c_str(),
+                        WS_CHILD | WS_CAPTION | WS_CLIPCHILDREN | WS_CLIPSIBLINGS, 0, 0, 300, 400,
+                        owner, nullptr, GetModuleHandleW(nullptr), nullptr);
+    window->client_ =
+        CreateWindowExW(0, kClientClass, L"", WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN, 0, 0, 300,
+                        380, window->frame_, nullptr, GetModuleHandleW(nullptr), nullptr);
     if (window->frame_ == nullptr || window->client_ == nullptr) {
         RaiseCannotCreate(progId, HRESULT_FROM_WIN32(GetLastError()));
     }
@@ -152,8 +153,12 @@ LRESULT CALLBACK ToolWindow::FrameProc(HWND window, UINT message, WPARAM wParam,
                 MoveWindow(self->client_, 0, 0, LOWORD(lParam), HIWORD(lParam), TRUE);
                 self->FitControl();
                 return 0;
-            case WM_CLOSE: self->SetVisible(false); return 0;
-            case WM_NCDESTROY: SetWindowLongPtrW(window, GWLP_USERDATA, 0); break;
+            case WM_CLOSE:
+                self->SetVisible(false);
+                return 0;
+            case WM_NCDESTROY:
+                SetWindowLongPtrW(window, GWLP_USERDATA, 0);
+                break;
         }
     }
     return DefWindowProcW(window, message, wParam, lParam);
@@ -237,8 +242,7 @@ constexpr std::int32_t kTwipsPerPixel = 15;
 
 const InterfaceInfo WindowObject::kInterface = {L"Window", vbide::kIidWindow};
 
-WindowObject::WindowObject(std::shared_ptr<HostContext> context,
-                           std::shared_ptr<HostWindow> window)
+WindowObject::WindowObject(std::shared_ptr<HostContext> context, std::shared_ptr<HostWindow> window)
     : DispatchObject(std::move(context), kInterface, kWindowMembers), window_(std::move(window)) {}
 
 std::string WindowObject::Describe() const {
@@ -250,12 +254,15 @@ void WindowObject::Run(DISPID id, const Call& call) {
     RECT bounds{};
     if (window_->Handle() != nullptr) GetWindowRect(window_->Handle(), &bounds);
     switch (id) {
-        case vbide::kWindowVBE: return call.ReturnObject(VbeObjectFor(context).Get());
-        case vbide::kWindowCollection: return call.ReturnObject(WindowsObjectFor(context).Get());
+        case vbide::kWindowVBE:
+            return call.ReturnObject(VbeObjectFor(context).Get());
+        case vbide::kWindowCollection:
+            return call.ReturnObject(WindowsObjectFor(context).Get());
         case vbide::kWindowClose:
             window_->SetVisible(false);
             return;
-        case vbide::kWindowCaption: return call.ReturnString(window_->Caption());
+        case vbide::kWindowCaption:
+            return call.ReturnString(window_->Caption());
         case vbide::kWindowVisible:
             if (call.isPut) {
                 window_->SetVisible(Arguments::ToBool(call.args.Value()));
@@ -269,8 +276,8 @@ void WindowObject::Run(DISPID id, const Call& call) {
             // Docked windows take the place the IDE gives them; a put is accepted and ignored,
             // as the IDE ignores it for docked windows.
             if (call.isPut) return;
-            const std::int32_t pixels = id == vbide::kWindowLeft  ? bounds.left
-                                        : id == vbide::kWindowTop ? bounds.top
+            const std::int32_t pixels = id == vbide::kWindowLeft    ? bounds.left
+                                        : id == vbide::kWindowTop   ? bounds.top
                                         : id == vbide::kWindowWidth ? bounds.right - bounds.left
                                                                     : bounds.bottom - bounds.top;
             return call.ReturnLong(pixels * kTwipsPerPixel);
@@ -281,7 +288,8 @@ void WindowObject::Run(DISPID id, const Call& call) {
         case vbide::kWindowSetFocus:
             if (window_->Handle() != nullptr) SetFocus(window_->Handle());
             return;
-        case vbide::kWindowType: return call.ReturnLong(window_->Type());
+        case vbide::kWindowType:
+            return call.ReturnLong(window_->Type());
         case vbide::kWindowHWnd:
             return call.ReturnLong(
                 static_cast<std::int32_t>(reinterpret_cast<INT_PTR>(window_->Handle())));
@@ -321,7 +329,8 @@ void WindowsObject::Run(DISPID id, const Call& call) {
     HostContext& context = Context();
     switch (id) {
         case vbide::kWindowsVBE:
-        case vbide::kWindowsParent: return call.ReturnObject(VbeObjectFor(context).Get());
+        case vbide::kWindowsParent:
+            return call.ReturnObject(VbeObjectFor(context).Get());
         case vbide::kWindowsCount:
             return call.ReturnLong(static_cast<std::int32_t>(context.ToolWindows().size()) + 1);
         case vbide::kItem: {

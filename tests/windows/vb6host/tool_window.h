@@ -3,15 +3,15 @@
 // activates it in its frame; and the Windows and Window objects in front of them.
 #pragma once
 
-#include <windows.h>
 #include <ole2.h>
+#include <windows.h>
 
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "windows/com/com_ptr.h"
 #include "vb6host/dispatch_object.h"
+#include "windows/com/com_ptr.h"
 
 namespace arbolet::vb6host {
 

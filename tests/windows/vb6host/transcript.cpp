@@ -29,10 +29,9 @@ std::string NumberLiteral(const VARIANT& value) {
     VARIANT text;
     VariantInit(&text);
     std::string literal = "?";
-    if (SUCCEEDED(VariantChangeTypeEx(&text, const_cast<VARIANT*>(&value),
-                                      MAKELCID(MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US),
-                                               SORT_DEFAULT),
-                                      0, VT_BSTR))) {
+    if (SUCCEEDED(VariantChangeTypeEx(
+            &text, const_cast<VARIANT*>(&value),
+            MAKELCID(MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US), SORT_DEFAULT), 0, VT_BSTR))) {
         literal = windows::WideToUtf8(std::wstring_view(text.bstrVal, SysStringLen(text.bstrVal)));
     }
     VariantClear(&text);
@@ -46,11 +45,14 @@ std::string VbLiteral(const VARIANT& value) {
         return value.pvarVal == nullptr ? "Empty" : VbLiteral(*value.pvarVal);
     }
     switch (value.vt & ~VT_BYREF) {
-        case VT_EMPTY: return "Empty";
-        case VT_NULL: return "Null";
+        case VT_EMPTY:
+            return "Empty";
+        case VT_NULL:
+            return "Null";
         case VT_BSTR: {
             const BSTR text = (value.vt & VT_BYREF) ? *value.pbstrVal : value.bstrVal;
-            return Quoted(text == nullptr ? std::wstring_view() : std::wstring_view(text, SysStringLen(text)));
+            return Quoted(text == nullptr ? std::wstring_view()
+                                          : std::wstring_view(text, SysStringLen(text)));
         }
         case VT_BOOL: {
             const VARIANT_BOOL flag = (value.vt & VT_BYREF) ? *value.pboolVal : value.boolVal;

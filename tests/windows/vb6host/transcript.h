@@ -3,8 +3,8 @@
 // example `put CommandBarButton.FaceId 2557`.
 #pragma once
 
-#include <windows.h>
 #include <oaidl.h>
+#include <windows.h>
 
 #include <string>
 #include <string_view>
@@ -18,8 +18,8 @@ std::string VbLiteral(const VARIANT& value);
 
 class Transcript {
   public:
-    void Record(std::string_view verb, std::wstring_view interfaceName,
-                std::wstring_view member, const std::vector<std::string>& arguments);
+    void Record(std::string_view verb, std::wstring_view interfaceName, std::wstring_view member,
+                const std::vector<std::string>& arguments);
     const std::vector<std::string>& Lines() const { return lines_; }
     // How many lines so far, to read what a step added.
     std::size_t Size() const { return lines_.size(); }

@@ -48,8 +48,10 @@ inline constexpr DISPID kOnBeginShutdown = ids::IDTExtensibility2::OnBeginShutdo
 inline constexpr DISPID kItemAdded = ids::VBComponentsEvents::ItemAdded;
 inline constexpr DISPID kItemRemoved = ids::VBComponentsEvents::ItemRemoved;
 inline constexpr DISPID kItemRenamed = ids::VBComponentsEvents::ItemRenamed;
-inline constexpr DISPID kProjectActivated = ids::VBProjectsEvents::ItemActivated;  // VBProjectsEvents.ItemActivated
-inline constexpr DISPID kItemSelected = ids::VBComponentsEvents::ItemSelected;      // VBComponentsEvents
+inline constexpr DISPID kProjectActivated =
+    ids::VBProjectsEvents::ItemActivated;  // VBProjectsEvents.ItemActivated
+inline constexpr DISPID kItemSelected =
+    ids::VBComponentsEvents::ItemSelected;  // VBComponentsEvents
 inline constexpr DISPID kItemActivated = ids::VBComponentsEvents::ItemActivated;
 inline constexpr DISPID kItemReloaded = ids::VBComponentsEvents::ItemReloaded;
 inline constexpr DISPID kClick = ids::CommandBarControlEvents::Click;
