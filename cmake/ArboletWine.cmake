@@ -21,9 +21,13 @@ set(ARBOLET_WINE_ENVIRONMENT
 
 # Makes a registered test run inside the run's Wine prefix, started through the script so that
 # it finds the run's X display when there is one.
+# A program that Wine cannot start (a 32-bit one without 32-bit Wine) still exits 0, so the test
+# passes only when GoogleTest printed its summary, and fails when it reported a failure.
 function(arbolet_wine_test name)
     set_tests_properties(${name} PROPERTIES FIXTURES_REQUIRED wine
-                                            ENVIRONMENT "${ARBOLET_WINE_ENVIRONMENT}")
+                                            ENVIRONMENT "${ARBOLET_WINE_ENVIRONMENT}"
+                                            PASS_REGULAR_EXPRESSION "\\[  PASSED  \\]"
+                                            FAIL_REGULAR_EXPRESSION "\\[  FAILED  \\]")
     if(TARGET ${name})
         set_target_properties(${name} PROPERTIES
             CROSSCOMPILING_EMULATOR "${ARBOLET_WINE_SCRIPT};run;${CMAKE_CROSSCOMPILING_EMULATOR}")

@@ -18,6 +18,7 @@
 #include <string>
 #include <vector>
 
+#include "base/vb_error.h"
 #include "windows/com/com_ptr.h"
 #include "windows/com/variant.h"
 #include "windows/com/vbide_ids.h"

@@ -79,6 +79,13 @@ ComPtr<FakeObject> FakeObject::Create(std::string typeName,
     return ComPtr<FakeObject>::Attach(new FakeObject(std::move(typeName), std::move(transcript)));
 }
 
+ComPtr<FakeObject> FakeObject::From(const Variant& value) {
+    ComPtr<IDispatch> object = value.ToDispatch();
+    void* fake = nullptr;
+    if (!object || FAILED(object->QueryInterface(kIidFakeObject, &fake))) return {};
+    return ComPtr<FakeObject>(static_cast<FakeObject*>(fake));
+}
+
 void FakeObject::Method(const DispMember& member, Handler handler) {
     members_[member.id] = {member.name, std::move(handler)};
 }
@@ -249,6 +256,13 @@ std::string LiteralText(const VARIANT& value) {
                 return "<" + static_cast<FakeObject*>(fake)->TypeName() + ">";
             }
             return "<object>";
+        }
+        case VT_DISPATCH | VT_BYREF: {
+            VARIANT object;
+            VariantInit(&object);
+            object.vt = VT_DISPATCH;
+            object.pdispVal = v.ppdispVal != nullptr ? *v.ppdispVal : nullptr;
+            return LiteralText(object);
         }
         case VT_EMPTY:
             return "Empty";

@@ -34,6 +34,8 @@ class FakeObject : public IDispatch, public IConnectionPointContainer {
         std::function<HRESULT(WORD flags, const std::vector<Variant>& args, Variant& result)>;
 
     static ComPtr<FakeObject> Create(std::string typeName, std::shared_ptr<Transcript> transcript);
+    // The FakeObject inside a VARIANT argument; empty for any other object.
+    static ComPtr<FakeObject> From(const Variant& value);
 
     const std::string& TypeName() const { return typeName_; }
     // A member answered by `handler`.

@@ -1,0 +1,42 @@
+// The document that the tool-window control hosts, seen from the control and the connection:
+// it lives in a child window of the control, follows its size, is handed the IDE and the
+// connection when the tool window is shown, and is unloaded when the add-in disconnects.
+#pragma once
+
+#include <windows.h>
+
+#include <memory>
+
+#include "windows/com/dispatch.h"
+
+namespace arbolet::windows::addin {
+
+// What the document may ask of the connection object.
+class ConnectionActions {
+  public:
+    virtual ~ConnectionActions() = default;
+    virtual void Show() = 0;
+    virtual void Hide() = 0;
+};
+
+class ToolWindowDocument {
+  public:
+    virtual ~ToolWindowDocument() = default;
+    // Creates the document's window as a child of `parent`; nullptr when it cannot.
+    virtual HWND Create(HWND parent) = 0;
+    virtual void Resize(int width, int height) = 0;
+    // The IDE's VBE object and the connection, handed over before each show. The connection
+    // outlives the document.
+    virtual void Connect(const com::Dispatch& vbe, ConnectionActions& connection) = 0;
+    // The tool window became visible.
+    virtual void Shown() = 0;
+    // Releases everything the document holds and destroys its window.
+    virtual void Unload() = 0;
+};
+
+using DocumentFactory = std::unique_ptr<ToolWindowDocument> (*)();
+// The factory the control uses for its document; the DLL sets it once at load.
+void SetDocumentFactory(DocumentFactory factory) noexcept;
+std::unique_ptr<ToolWindowDocument> CreateDocument();
+
+}  // namespace arbolet::windows::addin
