@@ -116,20 +116,19 @@ void AppendNodes(HWND tree, HTREEITEM first, std::string& out) {
     }
 }
 
+BOOL CALLBACK TreeViewFinder(HWND window, LPARAM result) {
+    wchar_t name[64] = {};
+    GetClassNameW(window, name, 64);
+    if (_wcsicmp(name, WC_TREEVIEWW) != 0) return TRUE;
+    *reinterpret_cast<HWND*>(result) = window;
+    return FALSE;
+}
+
 }  // namespace
 
 HWND FindTreeView(HWND root) {
     HWND found = nullptr;
-    EnumChildWindows(
-        root,
-        [](HWND window, LPARAM result) -> BOOL {
-            wchar_t name[64] = {};
-            GetClassNameW(window, name, 64);
-            if (_wcsicmp(name, WC_TREEVIEWW) != 0) return TRUE;
-            *reinterpret_cast<HWND*>(result) = window;
-            return FALSE;
-        },
-        reinterpret_cast<LPARAM>(&found));
+    EnumChildWindows(root, &TreeViewFinder, reinterpret_cast<LPARAM>(&found));
     return found;
 }
 

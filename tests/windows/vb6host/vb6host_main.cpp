@@ -287,23 +287,21 @@ void Screenshot(Session& session, const Options& options, Report& report) {
         "screenshot " + WideToUtf8(options.screenshot));
 }
 
+BOOL CALLBACK CountOne(HWND, LPARAM total) {
+    ++*reinterpret_cast<int*>(total);
+    return TRUE;
+}
+
+BOOL CALLBACK CountWithChildren(HWND window, LPARAM total) {
+    CountOne(window, total);
+    EnumChildWindows(window, &CountOne, total);
+    return TRUE;
+}
+
 // The windows of this thread, with all their descendants.
 int CountWindows() {
     int count = 0;
-    EnumThreadWindows(
-        GetCurrentThreadId(),
-        [](HWND window, LPARAM total) -> BOOL {
-            ++*reinterpret_cast<int*>(total);
-            EnumChildWindows(
-                window,
-                [](HWND, LPARAM t) -> BOOL {
-                    ++*reinterpret_cast<int*>(t);
-                    return TRUE;
-                },
-                total);
-            return TRUE;
-        },
-        reinterpret_cast<LPARAM>(&count));
+    EnumThreadWindows(GetCurrentThreadId(), &CountWithChildren, reinterpret_cast<LPARAM>(&count));
     return count;
 }
 
