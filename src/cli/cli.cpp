@@ -39,6 +39,7 @@ int RunArbolet(int argc, const char* const* argv, Terminal terminal) {
     AddFoldersCommand(app, context);
     AddRenameCommand(app, context);
     AddAddCommand(app, context);
+    AddComponentCommands(app, context);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

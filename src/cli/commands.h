@@ -15,5 +15,6 @@ void AddTreeCommand(CLI::App& app, CliContext& context);
 void AddFoldersCommand(CLI::App& app, CliContext& context);
 void AddRenameCommand(CLI::App& app, CliContext& context);
 void AddAddCommand(CLI::App& app, CliContext& context);
+void AddComponentCommands(CLI::App& app, CliContext& context);
 
 }  // namespace arbolet::cli

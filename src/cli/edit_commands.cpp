@@ -21,10 +21,26 @@ struct AddOptions {
     std::vector<std::string> files;
 };
 
-// Saves when the explorer showed no message: every message it shows reports a refusal.
-void FinishChange(CliContext& context, LoadedTree& loaded, bool refused) {
-    if (refused || loaded.ui.MessagesShown() > 0) context.Fail(kExitFindings);
+// Whatever was done is saved, also when a later file of the same command was refused.
+void FinishChange(CliContext& context, LoadedTree& loaded, const explorer::Outcome& outcome) {
+    Report(context, loaded.ui, outcome);
     SaveChanges(context, *loaded.environment);
+}
+
+// The tree traps the environment's errors, so the reason for a refused name is asked of the
+// same rule the environment applies.
+void ExplainRefusedName(CliContext& context, const env::VBProject& project,
+                        const RenameOptions& options) {
+    const auto components = project.VBComponents();
+    std::string why = "the name was refused";
+    try {
+        const env::VBComponentRef component = components->Item(options.component);
+        env::CheckComponentName(*components, options.newName, component.get());
+    } catch (const VbError& error) {
+        why = error.Description;
+    }
+    context.err << "arbolet: " << project.Name() << " does not take '" << options.newName
+                << "' as a component name: " << why << "\n";
 }
 
 void RunRename(CliContext& context, const RenameOptions& options) {
@@ -44,15 +60,10 @@ void RunRename(CliContext& context, const RenameOptions& options) {
         context.Fail(kExitFindings);
         return;
     }
-    bool cancel = false;
-    loaded.explorer.AfterLabelEdit(*loaded.view.Nodes().Item(key), options.newName, cancel);
-    const bool renamed =
-        loaded.view.Nodes().Exists(explorer::ComponentKey(options.newName, project->Name()));
-    if (!cancel && !renamed) {
-        context.err << "arbolet: " << project->Name() << " does not take '" << options.newName
-                    << "' as a component name\n";
-    }
-    FinishChange(context, loaded, cancel || !renamed);
+    const explorer::Outcome outcome =
+        loaded.explorer.AfterLabelEdit(*loaded.view.Nodes().Item(key), options.newName);
+    if (!outcome.done()) ExplainRefusedName(context, *project, options);
+    FinishChange(context, loaded, outcome);
 }
 
 void RunAdd(CliContext& context, const AddOptions& options) {
@@ -62,13 +73,7 @@ void RunAdd(CliContext& context, const AddOptions& options) {
     const env::VBProjectRef project = environment->VBProjects()->Item(1);
     const tree::NodeRef projectNode =
         loaded.view.Nodes().Item(explorer::ProjectKey(project->Name()));
-    const std::int32_t before = project->VBComponents()->Count();
-    loaded.explorer.DropFiles(options.files, *projectNode);
-    const bool nothingAdded = project->VBComponents()->Count() == before;
-    if (nothingAdded && loaded.ui.MessagesShown() == 0) {
-        context.err << "arbolet: none of the files is a component file\n";
-    }
-    FinishChange(context, loaded, nothingAdded);
+    FinishChange(context, loaded, loaded.explorer.DropFiles(options.files, *projectNode));
 }
 
 }  // namespace

@@ -90,10 +90,7 @@ bool RenameFolder(CliContext& context, LoadedTree& loaded, env::VBProject& proje
         context.Fail(kExitFindings);
         return false;
     }
-    bool cancel = false;
-    loaded.explorer.AfterLabelEdit(*folder, options.newName, cancel);
-    if (cancel) context.Fail(kExitFindings);
-    return !cancel;
+    return Report(context, loaded.ui, loaded.explorer.AfterLabelEdit(*folder, options.newName));
 }
 
 // Runs the chosen change; false when it was refused.
@@ -131,10 +128,10 @@ bool Change(CliContext& context, LoadedTree& loaded, env::VBProject& project,
         if (!options.folder.empty() && RefuseInvalidName(context, loaded, options.folder)) {
             return false;
         }
-        loaded.explorer.SetComponentFolder(*component, options.folder);
+        return Report(context, loaded.ui,
+                      loaded.explorer.SetComponentFolder(*component, options.folder));
     }
-    if (loaded.ui.MessagesShown() > 0) context.Fail(kExitFindings);
-    return loaded.ui.MessagesShown() == 0;
+    return true;
 }
 
 void RunFolders(CliContext& context, const FoldersOptions& options) {

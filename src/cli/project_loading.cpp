@@ -63,6 +63,16 @@ std::shared_ptr<disk::DiskEnvironment> OpenOneProject(const std::string& path,
     return OpenProjects({path}, context);
 }
 
+bool Report(CliContext& context, const TerminalUi& ui, const explorer::Outcome& outcome) {
+    if (outcome.done()) return true;
+    const bool failed = outcome.status() == explorer::Outcome::Status::Failed;
+    if (!outcome.message().empty() && outcome.message() != ui.LastMessage()) {
+        context.err << "arbolet: " << outcome.message() << '\n';
+    }
+    context.Fail(failed ? kExitUsage : kExitFindings);
+    return false;
+}
+
 LoadedTree::LoadedTree(std::shared_ptr<disk::DiskEnvironment> projects, CliContext& context,
                        analysis::IDisplayOptionSource* displayOptions)
     : environment(std::move(projects)),

@@ -33,6 +33,10 @@ std::shared_ptr<disk::DiskEnvironment> OpenOneProject(const std::string& path,
                                                       const std::string& command,
                                                       CliContext& context);
 
+// Sets the exit status from an explorer outcome: a refusal is 1, a failure 2. Its message is
+// printed unless the dialog on the terminal just showed it.
+bool Report(CliContext& context, const TerminalUi& ui, const explorer::Outcome& outcome);
+
 // The explorer over opened projects, with the tree built.
 struct LoadedTree {
     LoadedTree(std::shared_ptr<disk::DiskEnvironment> projects, CliContext& context,

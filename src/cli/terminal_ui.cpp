@@ -4,7 +4,7 @@
 namespace arbolet::cli {
 
 void TerminalUi::MsgBox(std::string_view prompt, explorer::MsgBoxIcon, std::string_view title) {
-    ++messages_;
+    lastMessage_ = prompt;
     err_ << "arbolet: " << title << ": " << prompt << '\n';
 }
 

@@ -18,12 +18,12 @@ class TerminalUi final : public explorer::UiServices {
                          std::string_view defaultText) override;
     void Beep() override;
 
-    // How many messages were shown: every message of the explorer's commands reports a refusal.
-    int MessagesShown() const { return messages_; }
+    // The prompt of the last message shown, so that an outcome carrying it is not told twice.
+    const std::string& LastMessage() const { return lastMessage_; }
 
   private:
     std::ostream& err_;
-    int messages_ = 0;
+    std::string lastMessage_;
 };
 
 }  // namespace arbolet::cli

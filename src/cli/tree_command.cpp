@@ -28,7 +28,7 @@ struct TreeOptions {
 };
 
 bool IsPlaceholder(const tree::Node& node) {
-    return node.Key().starts_with("Code - ") && node.Text() == explorer::kPlaceholderText;
+    return node.Kind() == tree::NodeKind::Placeholder;
 }
 
 // Which component nodes to open: all, or those named (ignoring case).
@@ -46,16 +46,11 @@ class ExpandChoice {
         }
     }
     bool Wants(const tree::Node& node) const {
-        if (!IsComponent(node)) return false;
+        if (node.Kind() != tree::NodeKind::Component) return false;
         return all_ || names_.contains(text::ToLower(node.Text()));
     }
 
   private:
-    static bool IsComponent(const tree::Node& node) {
-        const std::string key = node.Key();
-        return key.ends_with('~') && !key.starts_with("Type~") && !key.starts_with("Project~") &&
-               !key.starts_with("Code - ") && node.Image() == explorer::kComponentImage;
-    }
     bool all_ = false;
     std::set<std::string> names_;
 };
@@ -91,8 +86,8 @@ class TreeRenderer {
             const Frame done = frames.back();
             frames.pop_back();
             Leave(*done.node);
-            const tree::NodeRef node = done.opened ? explorer.CollapseNode(*done.node) : done.node;
-            next = node ? node->Next() : nullptr;
+            if (done.opened) explorer.CollapseNode(*done.node);
+            next = done.node->Next();
         }
     }
 

@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -45,7 +47,16 @@ class DiskEnvironment final : public env::VBE,
     env::VBProjectRef ActiveVBProject() const override { return active_.lock(); }
     void SetActiveVBProject(const env::VBProjectRef& project) override { active_ = project; }
     std::shared_ptr<env::Events> Events() const override;
-    std::shared_ptr<env::CommandBars> CommandBars() const override { return nullptr; }
+    // "Menu Bar" (File, View, Project), "Add-Ins" and "Standard", with the IDE's rules.
+    std::shared_ptr<env::CommandBars> CommandBars() const override;
+    env::VBComponentRef SelectedVBComponent() const override { return selected_.lock(); }
+    void SetSelectedVBComponent(const env::VBComponentRef& component) override {
+        selected_ = component;
+    }
+    // The name that the next component added through the Project menu takes instead of the
+    // IDE's default (the command line names it); used once.
+    void SetNextComponentName(std::string name) { nextComponentName_ = std::move(name); }
+    std::optional<std::string> TakeNextComponentName();
 
     // Opens one more project file (VBProjects.AddFromFile) and raises ItemAdded.
     env::VBProjectRef AddFromFile(const std::filesystem::path& projectFile);
@@ -71,6 +82,9 @@ class DiskEnvironment final : public env::VBE,
     void Save();
 
   private:
+    // Canonical paths of the files that changed.
+    using ChangedSet = std::set<std::filesystem::path>;
+
     explicit DiskEnvironment(int codePage);
 
     void OpenGroup(const std::filesystem::path& groupFile);
@@ -78,10 +92,9 @@ class DiskEnvironment final : public env::VBE,
                                              const std::string& shownAs);
     bool IsOpen(const std::filesystem::path& projectFile) const;
     bool HasProjectNamed(const std::string& name) const;
-    void RefreshProject(const std::shared_ptr<DiskProject>& project,
-                        const std::vector<std::filesystem::path>& changed);
+    void RefreshProject(const std::shared_ptr<DiskProject>& project, const ChangedSet& changed);
     void ReloadProjectFile(const std::shared_ptr<DiskProject>& project);
-    void SyncComponents(DiskProject& project, const std::vector<std::filesystem::path>& changed);
+    void SyncComponents(DiskProject& project, const ChangedSet& changed);
     void ReloadComponent(DiskProject& project, const std::shared_ptr<DiskComponent>& component);
     void CloseProject(const std::shared_ptr<DiskProject>& project);
 
@@ -89,6 +102,9 @@ class DiskEnvironment final : public env::VBE,
     std::shared_ptr<DiskProjects> projects_;
     std::shared_ptr<env::EventHub> events_;
     std::weak_ptr<env::VBProject> active_;
+    std::weak_ptr<env::VBComponent> selected_;
+    mutable std::shared_ptr<env::CommandBars> commandBars_;
+    std::optional<std::string> nextComponentName_;
     std::vector<LoadWarning> warnings_;
 };
 

@@ -71,8 +71,9 @@ void LineEditor::InsertLine(std::size_t before, std::string_view content) {
     Resplit();
 }
 
-void LineEditor::DeleteLine(std::size_t line) {
-    const RawLine& raw = lines_.at(line);
+void LineEditor::RemoveLine(std::size_t line) {
+    if (line >= lines_.size()) return;
+    const RawLine& raw = lines_[line];
     std::size_t start = raw.offset;
     const std::size_t end = raw.offset + raw.length + TerminatorBytes(raw.ending).size();
     if (raw.ending == LineEnding::None && line > 0) {

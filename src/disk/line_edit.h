@@ -29,9 +29,9 @@ class LineEditor {
     // Inserts a new line before line `before` (LineCount() appends). It takes the terminator of
     // its neighbour; a last line without terminator gets one and the new line goes without.
     void InsertLine(std::size_t before, std::string_view content);
-    // Removes a line with its terminator. When the last line goes, the line before it gives up
-    // its terminator only if the removed line had none, so the file keeps its final state.
-    void DeleteLine(std::size_t line);
+    // Removes a line with its terminator; removing the last line also takes the terminator
+    // before it when the removed one had none, so no blank line is left behind.
+    void RemoveLine(std::size_t line);
 
   private:
     std::string_view TerminatorFor(std::size_t before) const;

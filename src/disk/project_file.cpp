@@ -191,8 +191,16 @@ void ProjectFile::AddTopLevelEntry(std::string_view key, std::string_view value)
     Parse();
 }
 
+void ProjectFile::InsertTopLevelEntry(std::size_t afterLine, std::string_view key,
+                                      std::string_view value) {
+    RequireSingleLine(key, "A key");
+    RequireSingleLine(value, "A value");
+    editor_.InsertLine(afterLine + 1, Encode(key) + "=" + Encode(value));
+    Parse();
+}
+
 void ProjectFile::RemoveTopLevelEntry(std::size_t line) {
-    editor_.DeleteLine(line);
+    editor_.RemoveLine(line);
     Parse();
 }
 

@@ -54,7 +54,9 @@ class ProjectFile {
     // Adds a top-level Key=Value line after the last top-level entry (at the top when there is
     // none), before any section.
     void AddTopLevelEntry(std::string_view key, std::string_view value);
-    // Removes the top-level entry on file line `line` (0-based); other lines stay as they are.
+    // Adds a top-level Key=Value line right after file line `afterLine` (0-based).
+    void InsertTopLevelEntry(std::size_t afterLine, std::string_view key, std::string_view value);
+    // Removes the top-level entry on file line `line`, with its terminator.
     void RemoveTopLevelEntry(std::size_t line);
 
   private:

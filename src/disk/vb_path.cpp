@@ -1,6 +1,7 @@
 // Case-insensitive resolution of the paths in project and group files (see vb_path.h).
 #include "disk/vb_path.h"
 
+#include <algorithm>
 #include <system_error>
 #include <vector>
 
@@ -27,16 +28,6 @@ bool HasDriveLetter(std::string_view path) {
            ((path[0] >= 'A' && path[0] <= 'Z') || (path[0] >= 'a' && path[0] <= 'z'));
 }
 
-// The entry of `folder` whose name equals `part` ignoring letter case.
-std::optional<fs::path> FindIgnoringCase(const fs::path& folder, std::string_view part) {
-    const std::string wanted = text::ToLower(part);
-    std::error_code ec;
-    for (fs::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec)) {
-        if (text::ToLower(PathToUtf8(it->path().filename())) == wanted) return it->path();
-    }
-    return std::nullopt;
-}
-
 // Where resolution starts: the folder for a relative path, a root for an absolute one.
 std::optional<fs::path> StartOf(const fs::path& folder, std::string_view vbPath,
                                 [[maybe_unused]] std::vector<std::string_view>& parts) {
@@ -61,9 +52,7 @@ std::optional<fs::path> StartOf(const fs::path& folder, std::string_view vbPath,
         return fs::path("/");
 #endif
     }
-    std::error_code ec;
-    fs::path absolute = fs::absolute(folder, ec);
-    return ec ? folder : absolute;
+    return AbsolutePath(folder);
 }
 
 }  // namespace
@@ -78,6 +67,25 @@ std::string PathToUtf8(const fs::path& path) {
 }
 
 std::optional<fs::path> ResolveVbPath(const fs::path& folder, std::string_view vbPath) {
+    return VbPathResolver().Resolve(folder, vbPath);
+}
+
+std::optional<fs::path> VbPathResolver::FindIgnoringCase(const fs::path& folder,
+                                                         std::string_view part) {
+    auto [listing, fresh] = listings_.try_emplace(folder);
+    if (fresh) {
+        std::error_code ec;
+        for (fs::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec)) {
+            listing->second.try_emplace(text::ToLower(PathToUtf8(it->path().filename())),
+                                        it->path());
+        }
+    }
+    const auto found = listing->second.find(text::ToLower(part));
+    if (found == listing->second.end()) return std::nullopt;
+    return found->second;
+}
+
+std::optional<fs::path> VbPathResolver::Resolve(const fs::path& folder, std::string_view vbPath) {
     std::vector<std::string_view> parts = SplitParts(vbPath);
     std::optional<fs::path> current = StartOf(folder, vbPath, parts);
     if (!current || parts.empty()) return std::nullopt;
@@ -103,6 +111,50 @@ std::optional<fs::path> ResolveVbPath(const fs::path& folder, std::string_view v
     std::error_code ec;
     if (!fs::is_regular_file(*current, ec)) return std::nullopt;
     return current;
+}
+
+fs::path AbsolutePath(const fs::path& path) {
+    std::error_code ec;
+    fs::path absolute = path.empty() ? fs::current_path(ec) : fs::absolute(path, ec);
+    if (ec) return path;
+    absolute = absolute.lexically_normal();
+    if (!absolute.has_filename() && absolute != absolute.root_path()) {
+        absolute = absolute.parent_path();
+    }
+    return absolute;
+}
+
+fs::path Canonical(const fs::path& path) {
+    std::error_code ec;
+    fs::path canonical = fs::weakly_canonical(path, ec);
+    return ec ? path : canonical;
+}
+
+std::string VbPathFor(const fs::path& file, const fs::path& projectFolder) {
+    const fs::path folder = AbsolutePath(projectFolder);
+    fs::path relative = AbsolutePath(file).lexically_relative(folder);
+    // Through a linked folder the lexical path can climb out of the project's folder although
+    // the file lies inside it; the resolved paths tell.
+    if (relative.empty() || *relative.begin() == "..") {
+        const fs::path resolved = Canonical(file).lexically_relative(Canonical(folder));
+        if (!resolved.empty() && (relative.empty() || *resolved.begin() != "..")) {
+            relative = resolved;
+        }
+    }
+    std::string text = PathToUtf8(relative.empty() ? AbsolutePath(file) : relative);
+    std::replace(text.begin(), text.end(), '/', '\\');
+    return text;
+}
+
+std::string ShownBeside(const std::string& namingFile, std::string_view vbPath) {
+    std::string relative(vbPath);
+    std::replace(relative.begin(), relative.end(), '\\', '/');
+    const fs::path shown = (PathFromUtf8(namingFile).parent_path() / PathFromUtf8(relative));
+    return PathToUtf8(shown.lexically_normal().generic_u8string());
+}
+
+bool HasExtension(const fs::path& path, std::string_view lowerExtension) {
+    return text::ToLower(PathToUtf8(path.extension())) == lowerExtension;
 }
 
 }  // namespace arbolet::disk

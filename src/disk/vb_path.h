@@ -3,6 +3,7 @@
 #pragma once
 
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -19,5 +20,41 @@ std::string PathToUtf8(const std::filesystem::path& path);
 // for a drive-letter path on a system without drives).
 std::optional<std::filesystem::path> ResolveVbPath(const std::filesystem::path& folder,
                                                    std::string_view vbPath);
+
+// ResolveVbPath for many paths at once: each folder is listed at most once for the letter-case
+// fallback, so resolving the n entries of a project costs O(n) file-system calls. Keep one only
+// for as long as the folders cannot change.
+class VbPathResolver {
+  public:
+    std::optional<std::filesystem::path> Resolve(const std::filesystem::path& folder,
+                                                 std::string_view vbPath);
+
+  private:
+    // The entry of `folder` whose name equals `part` ignoring letter case.
+    std::optional<std::filesystem::path> FindIgnoringCase(const std::filesystem::path& folder,
+                                                          std::string_view part);
+
+    // Per folder listed: lower-cased entry name to the first entry of that name.
+    std::map<std::filesystem::path, std::map<std::string, std::filesystem::path>> listings_;
+};
+
+// The path made absolute from the working folder, with `.` and `..` taken away lexically as
+// Windows does, and no trailing separator: where a project's relative paths start from.
+std::filesystem::path AbsolutePath(const std::filesystem::path& path);
+
+// The path with links and `..` resolved as far as it exists, so that two names of one file
+// compare equal; the path itself when that fails.
+std::filesystem::path Canonical(const std::filesystem::path& path);
+
+// How a project file writes the path of `file`: relative to its folder when it can, with `\`.
+std::string VbPathFor(const std::filesystem::path& file,
+                      const std::filesystem::path& projectFolder);
+
+// How to show a file that a project or group names: beside the file that names it, as the
+// user named that file.
+std::string ShownBeside(const std::string& namingFile, std::string_view vbPath);
+
+// Whether the extension, lower-cased, is `lowerExtension` (with its dot).
+bool HasExtension(const std::filesystem::path& path, std::string_view lowerExtension);
 
 }  // namespace arbolet::disk

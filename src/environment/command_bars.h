@@ -32,6 +32,9 @@ class CommandBarControl {
     virtual void SetTag(std::string_view tag) = 0;
     // Runs the control's command, as a click would.
     virtual void Execute() = 0;
+    // The accessibility default action (accDoDefaultAction): for the environment's own menu
+    // items the same as a click, which opens its own dialogs.
+    virtual void DoDefaultAction() { Execute(); }
     virtual void Delete() = 0;
     // Sub-controls of a popup; nullptr for a button.
     virtual std::shared_ptr<CommandBarControls> Controls() const = 0;

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "base/utf8.h"
+#include "environment/collection_items.h"
 #include "environment/event_hub.h"
 
 namespace arbolet::env {
@@ -27,72 +28,21 @@ bool HasPropertyStoreByDefault(ComponentType type) {
     return type != ComponentType::ResFile && type != ComponentType::RelatedDocument;
 }
 
-template <typename Ref, typename List>
-Ref ItemByIndex(const List& items, std::int32_t index, const char* source) {
-    if (index < 1 || static_cast<std::size_t>(index) > items.size()) {
-        enverr::RaiseNotInCollection(source);
-    }
-    return items[static_cast<std::size_t>(index - 1)];
-}
-
-template <typename Ref, typename List>
-Ref ItemByName(const List& items, std::string_view name, const char* source) {
-    const std::string wanted = text::ToLower(name);
-    for (const auto& item : items) {
-        if (text::ToLower(item->Name()) == wanted) return item;
-    }
-    enverr::RaiseNotInCollection(source);
-}
-
-class MemoryCodeModule final : public CodeModule {
-  public:
-    explicit MemoryCodeModule(std::vector<std::string> lines) : lines_(std::move(lines)) {}
-    std::int32_t CountOfLines() const override { return static_cast<std::int32_t>(lines_.size()); }
-    std::string Lines(std::int32_t startLine, std::int32_t count) const override {
-        return JoinCodeLines(lines_, startLine, count);
-    }
-
-  private:
-    std::vector<std::string> lines_;
-};
-
 }  // namespace
 
 // ---- collections ----
 
-class MemoryProject::Components final : public env::VBComponents {
+class MemoryProject::Components final : public ComponentList<MemoryComponent> {
   public:
-    explicit Components(std::weak_ptr<MemoryProject> parent) : parent_(std::move(parent)) {}
-    std::int32_t Count() const override { return static_cast<std::int32_t>(items.size()); }
-    VBComponentRef Item(std::int32_t index) const override {
-        return ItemByIndex<VBComponentRef>(items, index, "VBComponents.Item");
+    using ComponentList::ComponentList;
+    void Remove(const VBComponentRef& component) override {
+        const auto project = std::dynamic_pointer_cast<MemoryProject>(Parent());
+        if (!project) env::enverr::RaiseObjectNotSet("VBComponents.Remove");
+        project->RemoveComponent(component);
     }
-    VBComponentRef Item(std::string_view name) const override {
-        return ItemByName<VBComponentRef>(items, name, "VBComponents.Item");
-    }
-    VBProjectRef Parent() const override { return parent_.lock(); }
-
-    std::vector<std::shared_ptr<MemoryComponent>> items;
-
-  private:
-    std::weak_ptr<MemoryProject> parent_;
 };
 
-class MemoryProjects final : public env::VBProjects {
-  public:
-    std::int32_t Count() const override { return static_cast<std::int32_t>(items.size()); }
-    VBProjectRef Item(std::int32_t index) const override {
-        return ItemByIndex<VBProjectRef>(items, index, "VBProjects.Item");
-    }
-    VBProjectRef Item(std::string_view name) const override {
-        return ItemByName<VBProjectRef>(items, name, "VBProjects.Item");
-    }
-    VBProjectRef StartProject() const override { return start.lock(); }
-    void SetStartProject(const VBProjectRef& project) override { start = project; }
-
-    std::vector<std::shared_ptr<MemoryProject>> items;
-    std::weak_ptr<VBProject> start;
-};
+class MemoryProjects final : public ProjectList<MemoryProject> {};
 
 // ---- MemoryComponent ----
 
@@ -128,7 +78,7 @@ void MemoryComponent::WriteProperty(std::string_view key, std::string_view value
 
 std::shared_ptr<env::CodeModule> MemoryComponent::CodeModule() const {
     if (type_ == ComponentType::ResFile || type_ == ComponentType::RelatedDocument) return nullptr;
-    return std::make_shared<MemoryCodeModule>(codeLines_);
+    return std::make_shared<LinesCodeModule>(codeLines_);
 }
 
 std::shared_ptr<env::VBComponents> MemoryComponent::Collection() const {

@@ -3,7 +3,9 @@
 
 #include <algorithm>
 
+#include "base/utf8.h"
 #include "base/vb_error.h"
+#include "base/vb_identifier.h"
 
 namespace arbolet::env {
 namespace enverr {
@@ -48,6 +50,63 @@ void VBProject::SetName(std::string_view) {
     enverr::RaiseNotSupported("VBProject.Name");
 }
 
+namespace {
+
+void CheckValidName(const char* source, std::string_view name) {
+    if (const auto why = InvalidVbNameReason(name)) {
+        throw VbError(enverr::kInvalidPropertyValue, source, "Invalid property value: " + *why);
+    }
+}
+
+[[noreturn]] void RaiseNameInUse(const char* source, const std::string& taken,
+                                 std::string_view byWhat) {
+    throw VbError(enverr::kInvalidPropertyValue, source,
+                  std::string(enverr::kNameConflicts) + ": " + std::string(byWhat) + " " + taken +
+                      " has that name");
+}
+
+}  // namespace
+
+void CheckComponentName(const VBComponents& components, std::string_view name,
+                        const VBComponent* renamed) {
+    constexpr const char* kSource = "VBComponent.Name";
+    CheckValidName(kSource, name);
+    const std::string lower = text::ToLower(name);
+    const std::int32_t count = components.Count();
+    for (std::int32_t i = 1; i <= count; ++i) {
+        const VBComponentRef other = components.Item(i);
+        if (other.get() != renamed && text::ToLower(other->Name()) == lower) {
+            RaiseNameInUse(kSource, other->Name(), "the component");
+        }
+    }
+    if (const VBProjectRef project = components.Parent()) {
+        if (text::ToLower(project->Name()) == lower) {
+            RaiseNameInUse(kSource, project->Name(), "the project");
+        }
+    }
+}
+
+void CheckProjectName(const VBProjects& projects, std::string_view name, const VBProject* renamed) {
+    constexpr const char* kSource = "VBProject.Name";
+    CheckValidName(kSource, name);
+    const std::string lower = text::ToLower(name);
+    const std::int32_t count = projects.Count();
+    for (std::int32_t i = 1; i <= count; ++i) {
+        const VBProjectRef other = projects.Item(i);
+        if (other.get() != renamed && text::ToLower(other->Name()) == lower) {
+            RaiseNameInUse(kSource, other->Name(), "the project");
+        }
+    }
+    const auto components = renamed ? renamed->VBComponents() : nullptr;
+    const std::int32_t componentCount = components ? components->Count() : 0;
+    for (std::int32_t i = 1; i <= componentCount; ++i) {
+        const VBComponentRef component = components->Item(i);
+        if (text::ToLower(component->Name()) == lower) {
+            RaiseNameInUse(kSource, component->Name(), "the component");
+        }
+    }
+}
+
 VBProjectRef ProjectOf(const VBComponent& component) {
     auto collection = component.Collection();
     if (!collection) enverr::RaiseObjectNotSet("VBComponent.Collection");
@@ -56,8 +115,10 @@ VBProjectRef ProjectOf(const VBComponent& component) {
     return project;
 }
 
-std::string JoinCodeLines(const std::vector<std::string>& lines, std::int32_t startLine,
-                          std::int32_t count) {
+// The object model's argument checks, then the lines joined with CRLF; lines past the end are
+// left out.
+std::string LinesCodeModule::Lines(std::int32_t startLine, std::int32_t count) const {
+    const auto& lines = lines_;
     if (startLine < 1 || count < 0) {
         throw VbError(enverr::kInvalidProcedureCall, "CodeModule.Lines",
                       "Invalid procedure call or argument");

@@ -10,6 +10,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "environment/command_bars.h"
@@ -46,6 +47,10 @@ inline constexpr std::int32_t kNotSupported = 438;
 inline constexpr std::int32_t kInvalidPropertyValue = 380;
 // VBComponents.AddFile with a file that the project already holds.
 inline constexpr std::int32_t kFileAlreadyInProject = 60059;
+
+// The IDE's text for a name already taken, in the collection or by the project.
+inline constexpr std::string_view kNameConflicts =
+    "Name conflicts with existing module, project, or object library";
 
 [[noreturn]] void RaisePropertyNotFound(const std::string& source, std::string_view key);
 [[noreturn]] void RaiseNoPropertyStore(const std::string& source, std::string_view component);
@@ -107,8 +112,7 @@ class VBComponents {
     // Adds a component file to the project and raises ItemAdded; raises kFileAlreadyInProject
     // for a file the project holds, and other errors for files it cannot add.
     virtual VBComponentRef AddFile(std::string_view fileName);
-    // Takes a component out of the project (its file stays) and raises ItemRemoved; raises
-    // kSubscriptOutOfRange for a component of another project.
+    // Takes the component out of the project (its files stay) and raises ItemRemoved.
     virtual void Remove(const VBComponentRef& component);
 };
 
@@ -186,17 +190,38 @@ class VBE {
     // The project the environment's commands act on; nullptr when no project is open.
     virtual VBProjectRef ActiveVBProject() const = 0;
     virtual void SetActiveVBProject(const VBProjectRef& project) = 0;
+    // The component the environment's commands act on (the project window's selection);
+    // nullptr when none is. Environments without a selection ignore the setting.
+    virtual VBComponentRef SelectedVBComponent() const { return nullptr; }
+    virtual void SetSelectedVBComponent(const VBComponentRef& /*component*/) {}
     virtual std::shared_ptr<env::Events> Events() const = 0;
     // nullptr where there are no menus and toolbars (projects opened from disk).
     virtual std::shared_ptr<env::CommandBars> CommandBars() const = 0;
 };
 
+// Raise what the IDE raises for a name it refuses (kInvalidPropertyValue): "Invalid property
+// value: " and the reason for a name that is no valid name (reserved word, no identifier, over 40
+// characters), and kNameConflicts and the name in use for one taken, ignoring letter case, by
+// another component of the collection or by its project (by another open project or one of its
+// own components, for a project). `renamed` is the object taking the name, which may keep its
+// own in another case.
+void CheckComponentName(const VBComponents& components, std::string_view name,
+                        const VBComponent* renamed);
+void CheckProjectName(const VBProjects& projects, std::string_view name, const VBProject* renamed);
+
 // The component's project, through Collection.Parent; raises kObjectNotSet when it is gone.
 VBProjectRef ProjectOf(const VBComponent& component);
 
-// CodeModule.Lines over a module's lines: `count` lines from the 1-based `startLine`, joined
-// with CRLF, with the argument checks of the object model.
-std::string JoinCodeLines(const std::vector<std::string>& lines, std::int32_t startLine,
-                          std::int32_t count);
+// A code module over the lines of a component's code window, for implementations that hold
+// the lines themselves.
+class LinesCodeModule final : public CodeModule {
+  public:
+    explicit LinesCodeModule(std::vector<std::string> lines) : lines_(std::move(lines)) {}
+    std::int32_t CountOfLines() const override { return static_cast<std::int32_t>(lines_.size()); }
+    std::string Lines(std::int32_t startLine, std::int32_t count) const override;
+
+  private:
+    std::vector<std::string> lines_;
+};
 
 }  // namespace arbolet::env

@@ -11,24 +11,9 @@
 namespace arbolet::explorer {
 namespace {
 
-constexpr std::string_view kFolderKeyPrefix = "Type~";
 constexpr std::string_view kTooManyLines =
     "This component contains too many lines to display.\r\n"
     "Try closing some components in the tree first.";
-
-// Component keys end with "~"; code node keys end with their line's identifier and the
-// placeholder never opens. A code node opens and closes as the control does it, keeping its
-// children.
-bool IsComponentKey(std::string_view key) {
-    return !key.starts_with(kFolderKeyPrefix) && !key.starts_with(kProjectKeyPrefix) &&
-           key.ends_with('~') && !key.starts_with("Code - ");
-}
-
-std::string CodeNodeKey(std::string_view componentKey, const analysis::clsLine& line) {
-    std::string key = "S";
-    key.append(componentKey).append("@").append(line.LineID.str());
-    return key;
-}
 
 }  // namespace
 
@@ -39,10 +24,11 @@ env::VBProjectRef ProjectExplorer::FindProject(std::string_view projectName) con
 
 // The component a component key stands for: by the display name the key was made from.
 env::VBComponentRef ProjectExplorer::FindComponent(std::string_view componentKey) const {
-    const env::VBProjectRef project = FindProject(KeyField(componentKey, 1));
+    const KeyNames names = ReadKey(tree::NodeKind::Component, componentKey);
+    const env::VBProjectRef project = FindProject(names.project);
     const auto components = project ? project->VBComponents() : nullptr;
     if (!components) return nullptr;
-    const std::string_view name = KeyField(componentKey, 0);
+    const std::string& name = names.component;
     const std::int32_t count = components->Count();
     for (std::int32_t i = 1; i <= count; ++i) {
         env::VBComponentRef component = components->Item(i);
@@ -62,27 +48,29 @@ std::string ProjectExplorer::CodeOf(std::string_view componentKey) const {
     }
 }
 
-void ProjectExplorer::ExpandNode(tree::Node& node) {
+Outcome ProjectExplorer::ExpandNode(tree::Node& node) {
     node.SetExpanded(true);
-    HandleExpand(node);
+    return HandleExpand(node);
 }
 
-tree::NodeRef ProjectExplorer::CollapseNode(tree::Node& node) {
-    const std::string key = node.Key();
+Outcome ProjectExplorer::CollapseNode(tree::Node& node) {
     node.SetExpanded(false);
-    HandleCollapse(node);
-    return NodeExists(key) ? Nodes().Item(key) : nullptr;
+    return HandleCollapse(node);
 }
 
-void ProjectExplorer::HandleExpand(tree::Node& node) {
+// A code node opens and closes as the control does it, keeping its children; the placeholder
+// never opens.
+Outcome ProjectExplorer::HandleExpand(tree::Node& node) {
     try {
+        if (node.Kind() != tree::NodeKind::Component) return Outcome::Done();
         const std::string key = node.Key();
-        if (!IsComponentKey(key)) return;
-        while (node.Children() > 0)
-            Nodes().Remove(*node.Child());
+        Nodes().RemoveChildren(node);
         BuildCodeTree(key, CodeOf(key));
-    } catch (const std::exception&) {
+        if (!d_components.contains(key)) return Outcome::Refused(kTooManyLines);
+        return Outcome::Done();
+    } catch (const std::exception& error) {
         // The tree keeps what it has; the next expansion tries again.
+        return Outcome::Failed(error.what());
     }
 }
 
@@ -116,11 +104,7 @@ void ProjectExplorer::BuildCodeTree(std::string_view componentKey, std::string_v
     if (!MakeRoomFor(code.lineCount, key)) {
         ui_.MsgBox(kTooManyLines, MsgBoxIcon::Information, "Too Many Lines");
         const tree::NodeRef componentNode = Nodes().Item(key);
-        const std::string placeholderKey = PlaceholderKey(key);
-        if (!NodeExists(placeholderKey)) {
-            Nodes().Add(componentNode.get(), tree::Relationship::Child, placeholderKey,
-                        kPlaceholderText);
-        }
+        ShowPlaceholder(*componentNode);
         componentNode->SetExpanded(false);
         d_components.erase(key);
         return;
@@ -159,46 +143,43 @@ tree::NodeRef ProjectExplorer::AddCodeNode(std::string_view componentKey,
     const bool shortened = text::HasMoreCharsThan(content, kCodeTextLength);
     std::string caption(shortened ? text::LeftChars(content, kCodeTextLength - 3) : content);
     if (shortened) caption += "...";
-    tree::NodeRef node =
-        Nodes().Add(&parent, tree::Relationship::Child, CodeNodeKey(componentKey, line), caption);
+    tree::NodeRef node = Nodes().Add(&parent, tree::Relationship::Child,
+                                     CodeNodeKey(componentKey, line.LineID.str()), caption,
+                                     tree::NodeKind::CodeLine);
     if (shortened) node->SetTag(text::LeftChars(content, kCodeTagLength));
     node->SetForeColor(line.LineColour);
     if (analysis::colour::IsError(line.LineColour)) node->EnsureVisible();
     return node;
 }
 
-// A component node goes and comes back at the same place with only its placeholder, which drops
-// its code tree in one step.
-void ProjectExplorer::HandleCollapse(tree::Node& node) {
+void ProjectExplorer::ShowPlaceholder(tree::Node& componentNode) {
+    const std::string placeholderKey = PlaceholderKey(componentNode.Key());
+    if (NodeExists(placeholderKey)) return;
+    Nodes().Add(&componentNode, tree::Relationship::Child, placeholderKey, kPlaceholderText,
+                tree::NodeKind::Placeholder);
+}
+
+// The code tree goes in one step, and the placeholder comes back for the next expansion.
+Outcome ProjectExplorer::HandleCollapse(tree::Node& node) {
     try {
-        const tree::NodeRef parent = node.Parent();
-        if (!parent) return;
-        const std::string key = node.Key();
-        if (!key.starts_with(kFolderKeyPrefix) && !IsComponentKey(key)) return;
-        if (key.starts_with(kFolderKeyPrefix)) {
-            for (tree::NodeRef child = node.Child(); child; child = child->Next()) {
-                if (child->Expanded()) child->SetExpanded(false);
-            }
-            return;
+        switch (node.Kind()) {
+            case tree::NodeKind::Folder:
+                for (tree::NodeRef child = node.Child(); child; child = child->Next()) {
+                    if (child->Expanded()) child->SetExpanded(false);
+                }
+                break;
+            case tree::NodeKind::Component:
+                Nodes().RemoveChildren(node);
+                d_components.erase(node.Key());
+                ShowPlaceholder(node);
+                break;
+            default:
+                break;
         }
-        const std::string caption = node.Text();
-        const tree::NodeRef previous = node.Previous();
-        const tree::NodeRef next = node.Next();
-        Nodes().Remove(node);
-        d_components.erase(key);
-        if (NodeExists(key)) return;
-        tree::NodeRef again = previous ? Nodes().Add(previous.get(), tree::Relationship::Next, key,
-                                                     caption, kComponentImage, kComponentImage)
-                              : next   ? Nodes().Add(next.get(), tree::Relationship::Previous, key,
-                                                     caption, kComponentImage, kComponentImage)
-                                       : Nodes().Add(parent.get(), tree::Relationship::Child, key,
-                                                     caption, kComponentImage, kComponentImage);
-        const std::string placeholderKey = PlaceholderKey(key);
-        if (!NodeExists(placeholderKey)) {
-            Nodes().Add(again.get(), tree::Relationship::Child, placeholderKey, kPlaceholderText);
-        }
-    } catch (const std::exception&) {
+        return Outcome::Done();
+    } catch (const std::exception& error) {
         // Whatever could not be put back returns at the next reload.
+        return Outcome::Failed(error.what());
     }
 }
 

@@ -23,13 +23,92 @@ std::string PlaceholderKey(std::string_view componentKey) {
     return "Code - " + std::string(componentKey);
 }
 
-std::string_view KeyField(std::string_view key, std::size_t index) {
-    for (std::size_t i = 0; i < index; ++i) {
-        const std::size_t separator = key.find('~');
-        if (separator == std::string_view::npos) return {};
-        key.remove_prefix(separator + 1);
+std::string CodeNodeKey(std::string_view componentKey, std::string_view lineId) {
+    std::string key = "S";
+    key.append(componentKey).append("@").append(lineId);
+    return key;
+}
+
+namespace {
+
+constexpr std::string_view kFolderKeyPrefix = "Type~";
+constexpr std::string_view kPlaceholderPrefix = "Code - ";
+constexpr std::string_view kGotoPrefix = "Goto:";
+
+// Project names are identifiers, so the project is the last field of a key. Folder names and the
+// file names that stand for some components may hold "~" themselves; they get the rest.
+void ReadComponentKey(std::string_view key, KeyNames& names) {
+    if (!key.ends_with('~')) return;
+    const std::string_view body = key.substr(0, key.size() - 1);
+    const std::size_t separator = body.rfind('~');
+    if (separator == std::string_view::npos) return;
+    names.component = body.substr(0, separator);
+    names.project = body.substr(separator + 1);
+    names.componentKey = key;
+}
+
+}  // namespace
+
+KeyNames ReadKey(tree::NodeKind kind, std::string_view key) {
+    KeyNames names;
+    switch (kind) {
+        case tree::NodeKind::Project:
+            if (key.starts_with(kProjectKeyPrefix)) {
+                names.project = key.substr(kProjectKeyPrefix.size());
+            }
+            break;
+        case tree::NodeKind::Folder: {
+            if (!key.starts_with(kFolderKeyPrefix)) break;
+            const std::string_view body = key.substr(kFolderKeyPrefix.size());
+            const std::size_t separator = body.rfind('~');
+            if (separator == std::string_view::npos) break;
+            names.folder = body.substr(0, separator);
+            names.project = body.substr(separator + 1);
+            break;
+        }
+        case tree::NodeKind::Component:
+            ReadComponentKey(key, names);
+            break;
+        case tree::NodeKind::Placeholder:
+            if (key.starts_with(kPlaceholderPrefix)) {
+                ReadComponentKey(key.substr(kPlaceholderPrefix.size()), names);
+            }
+            break;
+        case tree::NodeKind::CodeLine: {
+            // Components with code have identifiers for names, so the first "~@" ends the
+            // component key; the line identifier may hold "@" and "~" of its own.
+            const std::size_t end = key.find("~@");
+            if (key.starts_with('S') && end != std::string_view::npos) {
+                ReadComponentKey(key.substr(1, end), names);
+            }
+            break;
+        }
+        case tree::NodeKind::Other:
+            break;
     }
-    return key.substr(0, key.find('~'));
+    return names;
+}
+
+std::int64_t CodeLineNumber(std::string_view codeKey) {
+    constexpr std::int64_t kCap = 999'999'999;
+    std::size_t start = codeKey.size();
+    while (start > 0 && codeKey[start - 1] >= '0' && codeKey[start - 1] <= '9')
+        --start;
+    std::int64_t number = 0;
+    for (const char digit : codeKey.substr(start)) {
+        number = number * 10 + (digit - '0');
+        if (number > kCap) return kCap;
+    }
+    return number;
+}
+
+std::string GotoItemKey(std::string_view codeKey) {
+    return std::string(kGotoPrefix) + std::string(codeKey);
+}
+
+std::optional<std::string> CodeKeyOfGotoItem(std::string_view itemKey) {
+    if (!itemKey.starts_with(kGotoPrefix)) return std::nullopt;
+    return std::string(itemKey.substr(kGotoPrefix.size()));
 }
 
 std::string_view FixedGroupCaption(env::ComponentType type) {

@@ -90,7 +90,8 @@ tree::NodeRef ProjectExplorer::AddSortedFolderNode(const tree::Node& projectNode
     const tree::Node* relative = &projectNode;
     auto relationship = tree::Relationship::Child;
     for (tree::NodeRef child = projectNode.Child(); child; child = child->Next()) {
-        const std::string name = text::ToLower(KeyField(child->Key(), 1));
+        const std::string name =
+            text::ToLower(ReadKey(tree::NodeKind::Folder, child->Key()).folder);
         if (name == wanted) return child;
         if (name > wanted) {
             relative = child.get();
@@ -99,7 +100,7 @@ tree::NodeRef ProjectExplorer::AddSortedFolderNode(const tree::Node& projectNode
         }
     }
     try {
-        return Nodes().Add(relative, relationship, key, folderName);
+        return Nodes().Add(relative, relationship, key, folderName, tree::NodeKind::Folder);
     } catch (const std::exception&) {
         if (NodeExists(key)) return Nodes().Item(key);
         return nullptr;
@@ -115,11 +116,7 @@ tree::NodeRef ProjectExplorer::AddComponentNode(std::string_view componentName,
     tree::NodeRef componentNode = NodeExists(key)
                                       ? Nodes().Item(key)
                                       : AddSortedComponentNode(*folderNode, key, componentName);
-    const std::string placeholderKey = PlaceholderKey(key);
-    if (!NodeExists(placeholderKey)) {
-        Nodes().Add(componentNode.get(), tree::Relationship::Child, placeholderKey,
-                    kPlaceholderText);
-    }
+    ShowPlaceholder(*componentNode);
     return componentNode;
 }
 
@@ -137,7 +134,7 @@ tree::NodeRef ProjectExplorer::AddSortedComponentNode(const tree::Node& folderNo
             break;
         }
     }
-    return Nodes().Add(relative, relationship, key, componentName, kComponentImage,
+    return Nodes().Add(relative, relationship, key, componentName, tree::NodeKind::Component,
                        kComponentImage);
 }
 
@@ -153,10 +150,11 @@ void ProjectExplorer::LoadProject(const env::VBProject& project) {
     try {
         const std::string projectName = project.Name();
         const std::string projectKey = ProjectKey(projectName);
-        tree::NodeRef projectNode = NodeExists(projectKey)
-                                        ? Nodes().Item(projectKey)
-                                        : Nodes().Add(nullptr, tree::Relationship::Last, projectKey,
-                                                      projectName, kProjectImage, kProjectImage);
+        tree::NodeRef projectNode =
+            NodeExists(projectKey)
+                ? Nodes().Item(projectKey)
+                : Nodes().Add(nullptr, tree::Relationship::Last, projectKey, projectName,
+                              tree::NodeKind::Project, kProjectImage);
         LoadFolders(project, projectName);
         LoadComponents(project, projectName);
         MarkStartProject(projectName, *projectNode);
@@ -199,7 +197,7 @@ void ProjectExplorer::MarkStartProject(const std::string& projectName,
 
 void ProjectExplorer::RefreshProjects() {
     if (vbe_) TakeEventSources();
-    treeView_.SetVisible(false);
+    const tree::UpdateScope update(treeView_);
     d_components.clear();
     if (vbe_) {
         Nodes().Clear();
@@ -212,7 +210,6 @@ void ProjectExplorer::RefreshProjects() {
             // The projects loaded so far stay in the tree.
         }
     }
-    treeView_.SetVisible(true);
 }
 
 void ProjectExplorer::AddProjectFolder(env::VBProject& project, std::string_view folderName) {
@@ -231,27 +228,28 @@ void ProjectExplorer::RemoveProjectFolder(env::VBProject& project, std::string_v
     WriteFolderList(project, ReplaceAll(list, Bracketed(folderName), ";"));
 }
 
-void ProjectExplorer::SetComponentFolder(env::VBComponent& component, std::string_view folderName) {
+Outcome ProjectExplorer::SetComponentFolder(env::VBComponent& component,
+                                            std::string_view folderName) {
     std::string current;
     try {
         current = GetComponentFolder(component);
-    } catch (const std::exception&) {
-        return;
+    } catch (const std::exception& error) {
+        return Outcome::Failed(error.what());
     }
-    if (text::ToLower(current) == text::ToLower(folderName)) return;
+    if (text::ToLower(current) == text::ToLower(folderName)) return Outcome::Done();
     try {
         component.WriteProperty(kFolderProperty, folderName);
     } catch (const std::exception&) {
-        ui_.MsgBox("The component '" + ComponentDisplayName(component) +
-                       "' does not support extended properties.",
-                   MsgBoxIcon::Information, "Unable to set folder");
-        return;
+        return Refuse("The component '" + ComponentDisplayName(component) +
+                          "' does not support extended properties.",
+                      MsgBoxIcon::Information, "Unable to set folder");
     }
     try {
         AddProjectFolder(*env::ProjectOf(component), folderName);
     } catch (const std::exception&) {
         // A component without project has no list to record the folder in.
     }
+    return Outcome::Done();
 }
 
 void ProjectExplorer::AddFolder(env::VBProject& project, std::string_view folderName) {
@@ -294,25 +292,91 @@ std::string ProjectExplorer::AskFolderName() {
     }
 }
 
-void ProjectExplorer::NewFolder(std::string_view nodeKey) {
+Outcome ProjectExplorer::NewFolder(std::string_view nodeKey) {
     if (nodeKey.empty()) {
         ui_.Beep();
-        return;
+        return Outcome::Refused({});
     }
     try {
-        if (!NodeExists(nodeKey)) return;
-        tree::NodeRef node = Nodes().Item(nodeKey);
-        while (!node->Key().starts_with(kProjectKeyPrefix)) {
-            node = node->Parent();
-            if (!node) return;
-        }
+        if (!NodeExists(nodeKey))
+            return Outcome::Failed("No node has the key " + std::string(nodeKey));
+        const env::VBProjectRef project = ProjectOfNode(*Nodes().Item(nodeKey));
+        if (!project) return Outcome::Failed("The node belongs to no open project");
         const std::string folderName = AskFolderName();
-        if (folderName.empty() || !vbe_) return;
-        const std::string projectName(KeyField(node->Key(), 1));
-        AddFolder(*vbe_->VBProjects()->Item(projectName), folderName);
-    } catch (const std::exception&) {
+        if (folderName.empty()) return Outcome::Refused({});
+        AddFolder(*project, folderName);
+        return Outcome::Done();
+    } catch (const std::exception& error) {
         // A project that has gone meanwhile gets no folder.
+        return Outcome::Failed(error.what());
     }
+}
+
+// The project node above any node: the top-level ancestor.
+tree::NodeRef ProjectExplorer::ProjectNodeOf(const tree::Node& node) const {
+    tree::NodeRef up = node.Parent();
+    if (!up) return NodeExists(node.Key()) ? Nodes().Item(node.Key()) : nullptr;
+    while (tree::NodeRef parent = up->Parent())
+        up = parent;
+    return up;
+}
+
+env::VBProjectRef ProjectExplorer::ProjectOfNode(const tree::Node& node) const {
+    const tree::NodeRef projectNode = ProjectNodeOf(node);
+    if (!projectNode || projectNode->Kind() != tree::NodeKind::Project) return nullptr;
+    try {
+        return FindProject(ReadKey(tree::NodeKind::Project, projectNode->Key()).project);
+    } catch (const std::exception&) {
+        return nullptr;
+    }
+}
+
+env::VBComponentRef ProjectExplorer::ComponentOfNode(const tree::Node& node) const {
+    const KeyNames names = ReadKey(node.Kind(), node.Key());
+    if (names.componentKey.empty()) return nullptr;
+    try {
+        return FindComponent(names.componentKey);
+    } catch (const std::exception&) {
+        return nullptr;
+    }
+}
+
+Outcome ProjectExplorer::SetStartUpProject(const tree::Node& node) {
+    try {
+        const env::VBProjectRef project = ProjectOfNode(node);
+        if (!project) return Outcome::Failed("The node belongs to no open project");
+        const auto projects = vbe_->VBProjects();
+        if (const env::VBProjectRef previous = projects->StartProject()) {
+            const std::string previousKey = ProjectKey(previous->Name());
+            if (NodeExists(previousKey)) Nodes().Item(previousKey)->SetBold(false);
+        }
+        projects->SetStartProject(project);
+        const std::string key = ProjectKey(project->Name());
+        if (NodeExists(key)) Nodes().Item(key)->SetBold(true);
+        return Outcome::Done();
+    } catch (const std::exception& error) {
+        return Outcome::Failed(error.what());
+    }
+}
+
+// A component that has never been saved has no file to come back from, so it is not removed.
+Outcome ProjectExplorer::RemoveComponent(const tree::Node& node) {
+    try {
+        const env::VBComponentRef component = ComponentOfNode(node);
+        if (!component) return Outcome::Failed("The node stands for no component");
+        if (component->FileCount() < 1 || component->FileNames(1).empty()) {
+            return Refuse("Must Be Saved First.", MsgBoxIcon::Information, {});
+        }
+        component->Collection()->Remove(component);
+        return Outcome::Done();
+    } catch (const std::exception& error) {
+        return Outcome::Failed(error.what());
+    }
+}
+
+Outcome ProjectExplorer::Refuse(std::string_view prompt, MsgBoxIcon icon, std::string_view title) {
+    ui_.MsgBox(prompt, icon, title);
+    return Outcome::Refused(prompt);
 }
 
 }  // namespace arbolet::explorer

@@ -17,6 +17,7 @@
 
 #include "environment/vbide.h"
 #include "explorer/node_keys.h"
+#include "explorer/outcome.h"
 #include "explorer/ui_services.h"
 #include "treemodel/tree_view.h"
 
@@ -63,11 +64,14 @@ class ProjectExplorer {
 
     void AddProjectFolder(env::VBProject& project, std::string_view folderName);
     void RemoveProjectFolder(env::VBProject& project, std::string_view folderName);
-    void SetComponentFolder(env::VBComponent& component, std::string_view folderName);
+    // Moves the component into a folder ("" for its fixed group); refused, with the message
+    // shown, for a component that keeps no folder.
+    Outcome SetComponentFolder(env::VBComponent& component, std::string_view folderName);
     void AddFolder(env::VBProject& project, std::string_view folderName);
     void RemoveFolder(env::VBProject& project, std::string_view folderName);
     // The interactive command: asks for a name and adds the folder to the project of the node.
-    void NewFolder(std::string_view nodeKey);
+    // A cancelled dialog is a refusal without message.
+    Outcome NewFolder(std::string_view nodeKey);
 
     // The project's folder list as stored (";A;B;"), empty when it cannot be read.
     static std::string ReadFolderList(const env::VBProject& project);
@@ -75,14 +79,15 @@ class ProjectExplorer {
     // ---- the code view ----
 
     // The tree's Expand event: on a component node, replaces the placeholder by the code tree.
-    void HandleExpand(tree::Node& node);
-    // The tree's Collapse event: a component node is put back with only its placeholder, a
-    // folder node closes its components, a project node is left alone.
-    void HandleCollapse(tree::Node& node);
-    // What a click on the control does: sets the state, then runs the handler. Returns the node
-    // now holding the key (collapsing a component node replaces it).
-    void ExpandNode(tree::Node& node);
-    tree::NodeRef CollapseNode(tree::Node& node);
+    // Other nodes open as the control opens them (done, nothing to build).
+    Outcome HandleExpand(tree::Node& node);
+    // The tree's Collapse event: a component node keeps only its placeholder (the node itself
+    // stays, as the control is notifying about it), a folder node closes its components, a
+    // project node is left alone.
+    Outcome HandleCollapse(tree::Node& node);
+    // What a click on the control does: sets the state, then runs the handler.
+    Outcome ExpandNode(tree::Node& node);
+    Outcome CollapseNode(tree::Node& node);
     // Analyses the code of the component being expanded and shows it, within the node limits.
     void BuildCodeTree(std::string_view componentKey, std::string_view codeText);
     // Adds a code node for each line below `parentLine`, under `parentNode`, depth first.
@@ -106,12 +111,25 @@ class ProjectExplorer {
     // ---- editing the tree ----
 
     // After the caption of `node` was edited to `newText`: renames the project, component or
-    // folder, or sets `cancel` to keep the old caption.
-    void AfterLabelEdit(tree::Node& node, std::string_view newText, bool& cancel);
+    // folder. Anything but done means the old caption stays.
+    Outcome AfterLabelEdit(tree::Node& node, std::string_view newText);
     // A component node (its key dragged as text) dropped on a folder node.
-    void DropComponent(std::string_view draggedKey, tree::Node& target);
-    // Files from the file system dropped on a project or folder node.
-    void DropFiles(const std::vector<std::string>& files, tree::Node& target);
+    Outcome DropComponent(std::string_view draggedKey, tree::Node& target);
+    // Files from the file system dropped on a project or folder node: done when every
+    // component file among them was added, else the first refusal or failure.
+    Outcome DropFiles(const std::vector<std::string>& files, tree::Node& target);
+
+    // ---- commands on the node a menu was opened on ----
+
+    // The project a node belongs to (any kind of node), and the component of a component,
+    // placeholder or code node; nullptr when there is none.
+    env::VBProjectRef ProjectOfNode(const tree::Node& node) const;
+    env::VBComponentRef ComponentOfNode(const tree::Node& node) const;
+    // Makes the node's project the start-up project; its node becomes the one bold project.
+    Outcome SetStartUpProject(const tree::Node& node);
+    // Takes the node's component out of its project ("Must Be Saved First." for one that has no
+    // file yet). The environment's removal event takes the node away.
+    Outcome RemoveComponent(const tree::Node& node);
 
     // The event sources taken at the last full reload (nullptr before it).
     std::shared_ptr<env::VBProjectsEvents> projEvents;
@@ -138,6 +156,8 @@ class ProjectExplorer {
     std::string AskFolderName();
 
     env::VBComponentRef FindComponent(std::string_view componentKey) const;
+    tree::NodeRef ProjectNodeOf(const tree::Node& node) const;
+    void ShowPlaceholder(tree::Node& componentNode);
     env::VBProjectRef FindProject(std::string_view projectName) const;
     std::string CodeOf(std::string_view componentKey) const;
     bool MakeRoomFor(std::int32_t lineCount, const std::string& expandingKey);
@@ -145,12 +165,13 @@ class ProjectExplorer {
                               tree::Node& parent);
     void ShowComponentAgain(const env::VBComponent& component, const std::string& projectName);
     void RemoveNodeAndEmptyFolder(const std::string& componentKey);
-    void RenameProject(tree::Node& node, std::string_view newText, bool& cancel);
-    void RenameComponent(tree::Node& node, std::string_view projectName, std::string_view newText,
-                         bool& cancel);
-    void RenameFolder(tree::Node& node, std::string_view projectName, std::string_view newText);
-    void AddDroppedFile(env::VBProject& project, const std::string& file,
-                        const std::string& customFolder);
+    Outcome RenameProject(tree::Node& node, std::string_view newText);
+    Outcome RenameComponent(tree::Node& node, std::string_view newText);
+    Outcome RenameFolder(tree::Node& node, std::string_view newText);
+    Outcome AddDroppedFile(env::VBProject& project, const std::string& file,
+                           const std::string& customFolder);
+    // Shows a refusal and returns it.
+    Outcome Refuse(std::string_view prompt, MsgBoxIcon icon, std::string_view title);
 
     std::shared_ptr<env::VBE> vbe_;
     tree::TreeView& treeView_;

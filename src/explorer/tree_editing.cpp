@@ -10,8 +10,6 @@
 namespace arbolet::explorer {
 namespace {
 
-constexpr std::string_view kFolderKeyPrefix = "Type~";
-
 // The file a dropped file stands for: component files as they are, companion files by the
 // component file of the same base name; nullopt for anything else.
 std::optional<std::string> ComponentFileFor(const std::string& file) {
@@ -31,65 +29,66 @@ std::optional<std::string> ComponentFileFor(const std::string& file) {
 
 }  // namespace
 
-void ProjectExplorer::AfterLabelEdit(tree::Node& node, std::string_view newText, bool& cancel) {
+Outcome ProjectExplorer::AfterLabelEdit(tree::Node& node, std::string_view newText) {
     if (!IsValidFolderName(newText)) {
-        ui_.MsgBox("Not a valid name.", MsgBoxIcon::Information, "Invalid Name");
-        cancel = true;
-        return;
+        return Refuse("Not a valid name.", MsgBoxIcon::Information, "Invalid Name");
     }
     try {
-        const tree::NodeRef root = node.Root();
-        const std::string key = node.Key();
-        if (key == root->Key()) {
-            RenameProject(node, newText, cancel);
-            return;
+        switch (node.Kind()) {
+            case tree::NodeKind::Project:
+                return RenameProject(node, newText);
+            case tree::NodeKind::Component:
+                return RenameComponent(node, newText);
+            case tree::NodeKind::Folder:
+                return RenameFolder(node, newText);
+            default:
+                return Outcome::Refused({});
         }
-        const std::string projectName = root->Text();
-        if (key.ends_with("~" + projectName + "~")) {
-            RenameComponent(node, projectName, newText, cancel);
-        } else if (key.starts_with(kFolderKeyPrefix) && key.ends_with("~" + projectName)) {
-            RenameFolder(node, projectName, newText);
-        } else {
-            cancel = true;
+    } catch (const VbError& error) {
+        // The environment's own rules on names (an identifier, not a reserved word, not too
+        // long, not in use) are refusals it explains.
+        if (error.Number == env::enverr::kInvalidPropertyValue) {
+            return Refuse(error.Description, MsgBoxIcon::Exclamation, "Invalid Name");
         }
-    } catch (const std::exception&) {
-        cancel = true;
+        return Outcome::Failed(error.Description);
+    } catch (const std::exception& error) {
+        return Outcome::Failed(error.what());
     }
 }
 
 // The environment renames the project; the full reload shows it under the new name.
-void ProjectExplorer::RenameProject(tree::Node& node, std::string_view newText, bool& cancel) {
-    const env::VBProjectRef project = FindProject(KeyField(node.Key(), 1));
+Outcome ProjectExplorer::RenameProject(tree::Node& node, std::string_view newText) {
+    const env::VBProjectRef project = ProjectOfNode(node);
+    if (!project) return Outcome::Failed("The project is no longer open");
     if (NodeExists(ProjectKey(newText))) {
-        ui_.MsgBox("You already have a project with this name.", MsgBoxIcon::Exclamation,
-                   "Invalid Name");
-        cancel = true;
-        return;
+        return Refuse("You already have a project with this name.", MsgBoxIcon::Exclamation,
+                      "Invalid Name");
     }
     project->SetName(newText);
     RefreshProjects();
+    return Outcome::Done();
 }
 
 // The environment renames the component and its rename event moves the node to its new key.
-void ProjectExplorer::RenameComponent(tree::Node& node, std::string_view projectName,
-                                      std::string_view newText, bool& cancel) {
-    if (NodeExists(ComponentKey(newText, projectName))) {
-        ui_.MsgBox("You already have an object with this name.", MsgBoxIcon::Exclamation,
-                   "Invalid Name");
-        cancel = true;
-        return;
+Outcome ProjectExplorer::RenameComponent(tree::Node& node, std::string_view newText) {
+    const KeyNames names = ReadKey(tree::NodeKind::Component, node.Key());
+    if (NodeExists(ComponentKey(newText, names.project))) {
+        return Refuse("You already have an object with this name.", MsgBoxIcon::Exclamation,
+                      "Invalid Name");
     }
-    const env::VBProjectRef project = FindProject(projectName);
-    const std::string oldName(KeyField(node.Key(), 0));
-    project->VBComponents()->Item(oldName)->SetName(newText);
+    const env::VBComponentRef component = FindComponent(names.componentKey);
+    if (!component) return Outcome::Failed("The component is no longer in its project");
+    component->SetName(newText);
+    return Outcome::Done();
 }
 
 // The components of the folder take the new name, which for a fixed group moves every component
 // of that kind into a custom folder of the new name.
-void ProjectExplorer::RenameFolder(tree::Node& node, std::string_view projectName,
-                                   std::string_view newText) {
-    const env::VBProjectRef project = FindProject(projectName);
-    const std::string oldName(KeyField(node.Key(), 1));
+Outcome ProjectExplorer::RenameFolder(tree::Node& node, std::string_view newText) {
+    const KeyNames names = ReadKey(tree::NodeKind::Folder, node.Key());
+    const env::VBProjectRef project = FindProject(names.project);
+    if (!project) return Outcome::Failed("The project is no longer open");
+    const std::string& oldName = names.folder;
     if (const auto components = project->VBComponents()) {
         const std::int32_t count = components->Count();
         for (std::int32_t i = 1; i <= count; ++i) {
@@ -107,11 +106,12 @@ void ProjectExplorer::RenameFolder(tree::Node& node, std::string_view projectNam
     AddProjectFolder(*project, newText);
 
     const bool wasExpanded = node.Expanded();
-    const std::string projectKey = node.Root()->Key();
+    const std::string projectKey = ProjectKey(names.project);
     RefreshProjects();
     if (NodeExists(projectKey)) Nodes().Item(projectKey)->SetExpanded(true);
-    const std::string newKey = FolderKey(newText, projectName);
+    const std::string newKey = FolderKey(newText, names.project);
     if (NodeExists(newKey)) Nodes().Item(newKey)->SetExpanded(wasExpanded);
+    return Outcome::Done();
 }
 
 // Takes the component's node out of its folder, and the folder node with it when it held only
@@ -128,82 +128,93 @@ void ProjectExplorer::RemoveNodeAndEmptyFolder(const std::string& componentKey) 
     d_components.erase(componentKey);
 }
 
-void ProjectExplorer::DropComponent(std::string_view draggedKey, tree::Node& target) {
+Outcome ProjectExplorer::DropComponent(std::string_view draggedKey, tree::Node& target) {
     try {
-        const std::string targetKey = target.Key();
-        if (draggedKey.empty() || !targetKey.starts_with(kFolderKeyPrefix)) return;
+        if (draggedKey.empty() || target.Kind() != tree::NodeKind::Folder) {
+            return Outcome::Refused({});
+        }
         const std::string key(draggedKey);
-        if (!NodeExists(key)) return;
+        if (!NodeExists(key)) return Outcome::Failed("No node has the key " + key);
         const tree::NodeRef dragged = Nodes().Item(key);
+        if (dragged->Kind() != tree::NodeKind::Component) return Outcome::Refused({});
         const tree::NodeRef oldFolder = dragged->Parent();
-        if (oldFolder && oldFolder->Key() == targetKey) return;
+        if (oldFolder && oldFolder->Key() == target.Key()) return Outcome::Done();
         const env::VBComponentRef component = FindComponent(key);
-        if (!component) return;
+        if (!component) return Outcome::Failed("The component is no longer in its project");
         try {
             component->ReadProperty(kFolderProperty);
         } catch (const VbError& error) {
             if (error.Number == env::enverr::kNotSupported) {
-                ui_.MsgBox(
+                return Refuse(
                     "This component cannot be moved as it does not support extended "
                     "properties.",
                     MsgBoxIcon::Information, "Cannot Move File");
-                return;
             }
         }
-        const std::string folder(KeyField(targetKey, 1));
-        SetComponentFolder(*component, folder);
-        if (text::ToLower(GetComponentFolder(*component)) != text::ToLower(folder)) return;
-        const std::string projectName(KeyField(key, 1));
+        const KeyNames names = ReadKey(tree::NodeKind::Component, key);
+        const std::string folder = ReadKey(tree::NodeKind::Folder, target.Key()).folder;
+        Outcome moved = SetComponentFolder(*component, folder);
+        if (!moved.done()) return moved;
         RemoveNodeAndEmptyFolder(key);
-        AddComponentNode(KeyField(key, 0), folder, projectName);
-    } catch (const std::exception&) {
+        AddComponentNode(names.component, folder, names.project);
+        return Outcome::Done();
+    } catch (const std::exception& error) {
         // The tree stays as it was.
+        return Outcome::Failed(error.what());
     }
 }
 
-void ProjectExplorer::DropFiles(const std::vector<std::string>& files, tree::Node& target) {
+Outcome ProjectExplorer::DropFiles(const std::vector<std::string>& files, tree::Node& target) {
     try {
-        const std::string targetKey = target.Key();
-        const bool onFolder = targetKey.starts_with(kFolderKeyPrefix);
-        if (!onFolder && !targetKey.starts_with(kProjectKeyPrefix)) return;
-        const env::VBProjectRef project = FindProject(KeyField(targetKey, onFolder ? 2 : 1));
-        if (!project) return;
-        const std::string folder(onFolder ? KeyField(targetKey, 1) : std::string_view());
+        const tree::NodeKind kind = target.Kind();
+        if (kind != tree::NodeKind::Folder && kind != tree::NodeKind::Project) {
+            return Outcome::Refused({});
+        }
+        const env::VBProjectRef project = ProjectOfNode(target);
+        if (!project) return Outcome::Failed("The project is no longer open");
+        const std::string folder = ReadKey(kind, target.Key()).folder;
         const std::string customFolder = IsFixedGroupName(folder) ? std::string() : folder;
+        std::optional<Outcome> first;
+        bool anyComponentFile = false;
         for (const std::string& file : files) {
             if (const auto componentFile = ComponentFileFor(file)) {
-                AddDroppedFile(*project, *componentFile, customFolder);
+                anyComponentFile = true;
+                Outcome added = AddDroppedFile(*project, *componentFile, customFolder);
+                if (!added.done() && !first) first = std::move(added);
             }
         }
-    } catch (const std::exception&) {
+        if (!anyComponentFile) return Outcome::Refused("None of the files is a component file.");
+        return first ? *first : Outcome::Done();
+    } catch (const std::exception& error) {
         // Files added so far stay added.
+        return Outcome::Failed(error.what());
     }
 }
 
-void ProjectExplorer::AddDroppedFile(env::VBProject& project, const std::string& file,
-                                     const std::string& customFolder) {
+Outcome ProjectExplorer::AddDroppedFile(env::VBProject& project, const std::string& file,
+                                        const std::string& customFolder) {
     env::VBComponentRef added;
     try {
         added = project.VBComponents()->AddFile(file);
     } catch (const VbError& error) {
         if (error.Number == env::enverr::kFileAlreadyInProject) {
-            ui_.MsgBox(file + " is already part of " + project.Name(), MsgBoxIcon::Information,
-                       "Existing File");
-        } else {
-            ui_.MsgBox(error.Description, MsgBoxIcon::Critical, "Cannot Add File");
+            return Refuse(file + " is already part of " + project.Name(), MsgBoxIcon::Information,
+                          "Existing File");
         }
-        return;
+        ui_.MsgBox(error.Description, MsgBoxIcon::Critical, "Cannot Add File");
+        return Outcome::Failed(error.Description);
     } catch (const std::exception& error) {
         ui_.MsgBox(error.what(), MsgBoxIcon::Critical, "Cannot Add File");
-        return;
+        return Outcome::Failed(error.what());
     }
-    if (!added || customFolder.empty()) return;
-    SetComponentFolder(*added, customFolder);
-    if (text::ToLower(GetComponentFolder(*added)) != text::ToLower(customFolder)) return;
+    if (!added || customFolder.empty()) return Outcome::Done();
+    // A component that keeps no folder stays in its fixed group; it was added all the same.
+    if (!SetComponentFolder(*added, customFolder).done()) return Outcome::Done();
     // The environment's ItemAdded may have shown it in its fixed group already.
     const std::string name = ComponentDisplayName(*added);
     RemoveNodeAndEmptyFolder(ComponentKey(name, project.Name()));
     AddComponentNode(name, customFolder, project.Name());
+    return Outcome::Done();
 }
 
 }  // namespace arbolet::explorer

@@ -20,16 +20,14 @@ constexpr const char* kNodesSource = "Nodes";
 
 }  // namespace
 
-NodeRef Nodes::Add(std::string_view relativeKey, Relationship relationship, std::string_view key,
-                   std::string_view text, std::optional<std::int32_t> image,
-                   std::optional<std::int32_t> selectedImage) {
-    NodeRef relative = Item(relativeKey);
-    return Add(relative.get(), relationship, key, text, image, selectedImage);
-}
-
 NodeRef FirstRoot(const tree::Nodes& nodes) {
     if (nodes.Count() == 0) return nullptr;
-    return nodes.Item(1)->Root()->FirstSibling();
+    NodeRef node = nodes.Item(1);
+    while (NodeRef parent = node->Parent())
+        node = parent;
+    while (NodeRef previous = node->Previous())
+        node = previous;
+    return node;
 }
 
 // ---- MemoryNode ----
@@ -51,11 +49,11 @@ NodeRef MemoryNode::Ref(MemoryNode* node) const {
 std::string MemoryNode::Key() const {
     return Live().key_;
 }
+NodeKind MemoryNode::Kind() const {
+    return Live().kind_;
+}
 std::string MemoryNode::Text() const {
     return Live().text_;
-}
-void MemoryNode::SetText(std::string_view text) {
-    Live().text_ = text;
 }
 bool MemoryNode::Bold() const {
     return Live().bold_;
@@ -65,15 +63,6 @@ void MemoryNode::SetBold(bool bold) {
 }
 std::optional<std::int32_t> MemoryNode::Image() const {
     return Live().image_;
-}
-void MemoryNode::SetImage(std::optional<std::int32_t> image) {
-    Live().image_ = image;
-}
-std::optional<std::int32_t> MemoryNode::SelectedImage() const {
-    return Live().selectedImage_;
-}
-void MemoryNode::SetSelectedImage(std::optional<std::int32_t> image) {
-    Live().selectedImage_ = image;
 }
 std::int32_t MemoryNode::ForeColor() const {
     return Live().foreColor_;
@@ -128,20 +117,6 @@ NodeRef MemoryNode::Next() const {
 NodeRef MemoryNode::Previous() const {
     return Ref(Live().previous_);
 }
-NodeRef MemoryNode::FirstSibling() const {
-    return Ref(Live().parent_->firstChild_);
-}
-NodeRef MemoryNode::LastSibling() const {
-    return Ref(Live().parent_->lastChild_);
-}
-
-NodeRef MemoryNode::Root() const {
-    const MemoryNode* node = &Live();
-    while (!owner_->IsHiddenRoot(node->parent_))
-        node = node->parent_;
-    return Ref(const_cast<MemoryNode*>(node));
-}
-
 std::int32_t MemoryNode::Children() const {
     return Live().childCount_;
 }
@@ -167,8 +142,7 @@ MemoryNode& MemoryNodes::OwnNode(const Node& node) const {
 }
 
 NodeRef MemoryNodes::Add(const Node* relative, Relationship relationship, std::string_view key,
-                         std::string_view text, std::optional<std::int32_t> image,
-                         std::optional<std::int32_t> selectedImage) {
+                         std::string_view text, NodeKind kind, std::optional<std::int32_t> image) {
     MemoryNode* anchor = relative != nullptr ? &OwnNode(*relative) : nullptr;
     if (anchor != nullptr && (static_cast<std::int32_t>(relationship) < 0 ||
                               static_cast<std::int32_t>(relationship) > 4)) {
@@ -182,8 +156,8 @@ NodeRef MemoryNodes::Add(const Node* relative, Relationship relationship, std::s
     node->owner_ = this;
     node->key_ = key;
     node->text_ = text;
+    node->kind_ = kind;
     node->image_ = image;
-    node->selectedImage_ = selectedImage;
     node->position_ = nodes_.size();
     if (anchor == nullptr) {
         Link(*node, root_, Relationship::Child);
@@ -274,6 +248,20 @@ void MemoryNodes::Remove(const Node& node) {
     MemoryNode& top = OwnNode(node);
     Unlink(top);
     Detach(top);
+    Compact();
+}
+
+void MemoryNodes::RemoveChildren(const Node& node) {
+    MemoryNode& parent = OwnNode(node);
+    while (MemoryNode* child = parent.firstChild_) {
+        Unlink(*child);
+        Detach(*child);
+    }
+    Compact();
+}
+
+// Drops the removed nodes from the index order and renumbers the rest.
+void MemoryNodes::Compact() {
     std::erase_if(nodes_,
                   [](const std::shared_ptr<MemoryNode>& n) { return n->owner_ == nullptr; });
     for (std::size_t i = 0; i < nodes_.size(); ++i)

@@ -19,21 +19,18 @@ class MemoryNodes;
 class MemoryNode final : public Node, public std::enable_shared_from_this<MemoryNode> {
   public:
     std::string Key() const override;
+    NodeKind Kind() const override;
     std::string Text() const override;
-    void SetText(std::string_view text) override;
     bool Bold() const override;
     void SetBold(bool bold) override;
     std::optional<std::int32_t> Image() const override;
-    void SetImage(std::optional<std::int32_t> image) override;
-    std::optional<std::int32_t> SelectedImage() const override;
-    void SetSelectedImage(std::optional<std::int32_t> image) override;
     std::int32_t ForeColor() const override;
     void SetForeColor(std::int32_t colour) override;
     std::string Tag() const override;
     void SetTag(std::string_view tag) override;
     bool Expanded() const override;
     void SetExpanded(bool expanded) override;
-    bool Selected() const override;
+    bool Selected() const;
     void SetSelected(bool selected) override;
     void EnsureVisible() override;
 
@@ -42,9 +39,6 @@ class MemoryNode final : public Node, public std::enable_shared_from_this<Memory
     NodeRef Child() const override;
     NodeRef Next() const override;
     NodeRef Previous() const override;
-    NodeRef FirstSibling() const override;
-    NodeRef LastSibling() const override;
-    NodeRef Root() const override;
     std::int32_t Children() const override;
 
   private:
@@ -59,8 +53,8 @@ class MemoryNode final : public Node, public std::enable_shared_from_this<Memory
     std::string key_;
     std::string text_;
     std::string tag_;
+    NodeKind kind_ = NodeKind::Other;
     std::optional<std::int32_t> image_;
-    std::optional<std::int32_t> selectedImage_;
     std::int32_t foreColor_ = kWindowTextColour;
     bool bold_ = false;
     bool expanded_ = false;
@@ -82,16 +76,16 @@ class MemoryNodes final : public Nodes {
     MemoryNodes(const MemoryNodes&) = delete;
     MemoryNodes& operator=(const MemoryNodes&) = delete;
 
-    using Nodes::Add;
     using Nodes::Remove;
     NodeRef Add(const Node* relative, Relationship relationship, std::string_view key,
-                std::string_view text, std::optional<std::int32_t> image = std::nullopt,
-                std::optional<std::int32_t> selectedImage = std::nullopt) override;
+                std::string_view text, NodeKind kind,
+                std::optional<std::int32_t> image = std::nullopt) override;
     std::int32_t Count() const override;
     NodeRef Item(std::string_view key) const override;
     NodeRef Item(std::int32_t index) const override;
     bool Exists(std::string_view key) const override;
     void Remove(const Node& node) override;
+    void RemoveChildren(const Node& node) override;
     void Clear() override;
 
     MemoryNode* SelectedNode() const { return selected_; }
@@ -110,6 +104,7 @@ class MemoryNodes final : public Nodes {
     void Link(MemoryNode& node, MemoryNode& relative, Relationship relationship);
     void Unlink(MemoryNode& node);
     void Detach(MemoryNode& node);
+    void Compact();
     bool IsHiddenRoot(const MemoryNode* node) const { return node == &root_; }
 
     MemoryNode root_;  // parent of the top-level nodes, never handed out
@@ -122,13 +117,22 @@ class MemoryTreeView final : public TreeView {
   public:
     tree::Nodes& Nodes() override { return nodes_; }
     const MemoryNodes& NodesInMemory() const { return nodes_; }
-    bool Visible() const override { return visible_; }
-    void SetVisible(bool visible) override { visible_ = visible; }
+    void BeginUpdate() override {
+        ++updates_;
+        ++begun_;
+    }
+    void EndUpdate() override {
+        if (updates_ > 0) --updates_;
+    }
+    // How many BeginUpdate calls are still open, and how many were made in all.
+    int OpenUpdates() const { return updates_; }
+    int UpdatesBegun() const { return begun_; }
     NodeRef SelectedItem() const override;
 
   private:
     MemoryNodes nodes_;
-    bool visible_ = true;
+    int updates_ = 0;
+    int begun_ = 0;
 };
 
 }  // namespace arbolet::tree

@@ -32,6 +32,17 @@ inline constexpr std::int32_t kInvalidProcedureCall = 5;
 // The colour a node has until one is set: the system's window text colour.
 inline constexpr std::int32_t kWindowTextColour = static_cast<std::int32_t>(0x80000008u);
 
+// What a node stands for, given when it is added and kept with it, so that nobody has to guess
+// it from the key text (a module may well be named "Project").
+enum class NodeKind : std::int32_t {
+    Other = 0,
+    Project = 1,
+    Folder = 2,  // a fixed group by component type or a custom folder
+    Component = 3,
+    Placeholder = 4,  // the "Code List" child of a closed component
+    CodeLine = 5,
+};
+
 class Node;
 using NodeRef = std::shared_ptr<Node>;
 
@@ -41,15 +52,12 @@ class Node {
     virtual ~Node() = default;
 
     virtual std::string Key() const = 0;
+    virtual NodeKind Kind() const = 0;
     virtual std::string Text() const = 0;
-    virtual void SetText(std::string_view text) = 0;
     virtual bool Bold() const = 0;
     virtual void SetBold(bool bold) = 0;
-    // ImageList indexes; nullopt for no picture.
+    // ImageList index, the same when selected; nullopt for no picture.
     virtual std::optional<std::int32_t> Image() const = 0;
-    virtual void SetImage(std::optional<std::int32_t> image) = 0;
-    virtual std::optional<std::int32_t> SelectedImage() const = 0;
-    virtual void SetSelectedImage(std::optional<std::int32_t> image) = 0;
     // A Windows colour value (blue in the high byte).
     virtual std::int32_t ForeColor() const = 0;
     virtual void SetForeColor(std::int32_t colour) = 0;
@@ -57,7 +65,6 @@ class Node {
     virtual void SetTag(std::string_view tag) = 0;
     virtual bool Expanded() const = 0;
     virtual void SetExpanded(bool expanded) = 0;
-    virtual bool Selected() const = 0;
     virtual void SetSelected(bool selected) = 0;
     // Expands the ancestors and scrolls the node into view.
     virtual void EnsureVisible() = 0;
@@ -69,9 +76,6 @@ class Node {
     virtual NodeRef Child() const = 0;  // the first child
     virtual NodeRef Next() const = 0;
     virtual NodeRef Previous() const = 0;
-    virtual NodeRef FirstSibling() const = 0;
-    virtual NodeRef LastSibling() const = 0;
-    virtual NodeRef Root() const = 0;  // the top-level ancestor, or the node itself
     virtual std::int32_t Children() const = 0;
 };
 
@@ -83,12 +87,8 @@ class Nodes {
     // Adds a node relative to `relative` (nullptr: at the end of the top level). An empty key
     // adds a node without key; a key already in use raises kKeyNotUnique.
     virtual NodeRef Add(const Node* relative, Relationship relationship, std::string_view key,
-                        std::string_view text, std::optional<std::int32_t> image = std::nullopt,
-                        std::optional<std::int32_t> selectedImage = std::nullopt) = 0;
-    // The same with the relative given by key; an unknown relative key raises kElementNotFound.
-    NodeRef Add(std::string_view relativeKey, Relationship relationship, std::string_view key,
-                std::string_view text, std::optional<std::int32_t> image = std::nullopt,
-                std::optional<std::int32_t> selectedImage = std::nullopt);
+                        std::string_view text, NodeKind kind,
+                        std::optional<std::int32_t> image = std::nullopt) = 0;
 
     virtual std::int32_t Count() const = 0;
     // Look-up by key (raises kElementNotFound) or by 1-based index (raises kIndexOutOfBounds).
@@ -100,7 +100,9 @@ class Nodes {
     // Removes the node and all its descendants.
     virtual void Remove(const Node& node) = 0;
     void Remove(std::string_view key) { Remove(*Item(key)); }
-    void Remove(std::int32_t index) { Remove(*Item(index)); }
+    // Removes the descendants of the node and keeps the node itself (a tree view may be in the
+    // middle of notifying about it).
+    virtual void RemoveChildren(const Node& node) = 0;
     virtual void Clear() = 0;
 };
 
@@ -109,10 +111,24 @@ class TreeView {
   public:
     virtual ~TreeView() = default;
     virtual tree::Nodes& Nodes() = 0;
-    virtual bool Visible() const = 0;
-    virtual void SetVisible(bool visible) = 0;
+    // Around bulk changes (a full reload): the control need not repaint until the last EndUpdate.
+    // Calls nest.
+    virtual void BeginUpdate() = 0;
+    virtual void EndUpdate() = 0;
     // The selected node, nullptr when none is.
     virtual NodeRef SelectedItem() const = 0;
+};
+
+// Holds a tree view's update open for a scope.
+class UpdateScope {
+  public:
+    explicit UpdateScope(TreeView& view) : view_(view) { view_.BeginUpdate(); }
+    ~UpdateScope() { view_.EndUpdate(); }
+    UpdateScope(const UpdateScope&) = delete;
+    UpdateScope& operator=(const UpdateScope&) = delete;
+
+  private:
+    TreeView& view_;
 };
 
 // The first top-level node, nullptr for an empty tree.

@@ -92,6 +92,28 @@ TEST_F(EditCommands, RenameAndAddRewriteTheFilesAndRefusalsChangeNothing) {
               std::string::npos);
 }
 
+TEST_F(EditCommands, EveryRefusedComponentNameIsPrintedWithItsReason) {
+    const std::pair<std::string, std::string> cases[] = {
+        {"If", "Invalid property value: 'If' is a reserved word of Visual Basic"},
+        {"1bad", "Invalid property value: '1bad' does not begin with a letter"},
+        {"bad name", "Invalid property value: 'bad name' holds a blank"},
+        {std::string(41, 'x'), "is 41 characters long; a name has at most 40"},
+        {"FRMMAIN",
+         "Name conflicts with existing module, project, or object library: the component "
+         "frmMain has that name"},
+    };
+    for (const auto& [name, reason] : cases) {
+        const CliRun run = Arbolet({"rename", vbp, "modMain", name});
+        EXPECT_EQ(run.status, 1) << name;
+        EXPECT_NE(run.err.find("Shop does not take '" + name + "' as a component name: "),
+                  std::string::npos)
+            << run.err;
+        EXPECT_NE(run.err.find(reason), std::string::npos) << run.err;
+    }
+    EXPECT_EQ(folder.Read("Shop.vbp"), kVbp);
+    EXPECT_EQ(folder.Read("modMain.bas"), kModule);
+}
+
 TEST_F(EditCommands, FoldersRenameOfAFixedGroupMovesItsComponentsIntoACustomFolder) {
     const CliRun run = Arbolet({"folders", vbp, "rename", "forms", "Screens"});
     EXPECT_EQ(run.status, 0) << run.err;

@@ -1,29 +1,15 @@
 // Taking components and projects out of an environment on disk: the project file loses exactly
-// the component's line, its line endings kept, the events go out, and the files stay.
+// the component's line, the events go out, and the files stay.
 #include <gtest/gtest.h>
 
 #include "base/vb_error.h"
 #include "disk/disk_environment.h"
-#include "disk/line_edit.h"
 #include "temp_folder.h"
 
 namespace arbolet::disk {
 namespace {
 
 using testing::TempFolder;
-
-TEST(LineEditor, DeleteLineKeepsEveryOtherByteAndTheFilesLastLineState) {
-    LineEditor mixed("one\r\ntwo\nthree\rfour");
-    mixed.DeleteLine(1);
-    EXPECT_EQ(mixed.Bytes(), "one\r\nthree\rfour");
-    mixed.DeleteLine(2);  // the last line had no terminator, so now neither has "three"
-    EXPECT_EQ(mixed.Bytes(), "one\r\nthree");
-    mixed.DeleteLine(0);
-    EXPECT_EQ(mixed.Bytes(), "three");
-    mixed.DeleteLine(0);
-    EXPECT_EQ(mixed.Bytes(), "");
-    EXPECT_THROW(mixed.DeleteLine(0), std::out_of_range);
-}
 
 class RemovalTest : public ::testing::Test {
   protected:

@@ -153,8 +153,8 @@ TEST_F(CodeView, AFailedAdditionNeitherColoursNorAdoptsAnotherNode) {
     Write(Crlf({"Sub Main()", "    If a Then", "        Beep", "    End If", "End Sub"}));
     Open({"Shop.vbp"});
     // A stranger already holds the key of the If line.
-    const auto stranger =
-        nodes().Add("Project~Shop", tree::Relationship::Child, "SmodMain~Shop~@1", "stranger");
+    const auto stranger = nodes().Add(Node("Project~Shop").get(), tree::Relationship::Child,
+                                      "SmodMain~Shop~@1", "stranger", tree::NodeKind::Other);
     Expand("modMain~Shop~");
     EXPECT_EQ(stranger->ForeColor(), tree::kWindowTextColour);
     EXPECT_EQ(stranger->Children(), 0);

@@ -17,11 +17,49 @@ TEST(FolderNames, AllowPrintableAsciiWithoutSemicolonOrTilde) {
     }
 }
 
-TEST(NodeKeys, SplitAtTheSeparator) {
-    EXPECT_EQ(KeyField("Type~Data Access~Billing", 1), "Data Access");
-    EXPECT_EQ(KeyField("Project~Billing", 1), "Billing");
-    EXPECT_EQ(KeyField("modA~P~", 2), "");
-    EXPECT_EQ(KeyField("Project", 1), "");
+std::string Names(tree::NodeKind kind, std::string_view key) {
+    const KeyNames names = ReadKey(kind, key);
+    return names.project + "|" + names.folder + "|" + names.component + "|" + names.componentKey;
+}
+
+TEST(NodeKeys, AreReadByTheKindTheTreeStored) {
+    using tree::NodeKind;
+    EXPECT_EQ(Names(NodeKind::Project, "Project~Billing"), "Billing|||");
+    EXPECT_EQ(Names(NodeKind::Folder, "Type~Data Access~Billing"), "Billing|Data Access||");
+    // A module named like the project prefix is still a component.
+    EXPECT_EQ(Names(NodeKind::Component, "Project~Shop~"), "Shop||Project|Project~Shop~");
+    EXPECT_EQ(Names(NodeKind::Component, "PROGRA~1.DOC~Shop~"),
+              "Shop||PROGRA~1.DOC|PROGRA~1.DOC~Shop~");
+    EXPECT_EQ(Names(NodeKind::Placeholder, "Code - modA~P~"), "P||modA|modA~P~");
+    EXPECT_EQ(Names(NodeKind::CodeLine, "SProject~Shop~@@~x41"), "Shop||Project|Project~Shop~");
+    // Keys that are not of the kind's form give nothing rather than a wrong name.
+    for (const auto& [kind, key] :
+         std::vector<std::pair<NodeKind, std::string>>{{NodeKind::Project, "Type~A~B"},
+                                                       {NodeKind::Folder, "Type~NoProject"},
+                                                       {NodeKind::Component, "modA~P"},
+                                                       {NodeKind::Component, "~"},
+                                                       {NodeKind::Placeholder, "modA~P~"},
+                                                       {NodeKind::CodeLine, "modA~P~@1"},
+                                                       {NodeKind::Other, "Project~P"}}) {
+        EXPECT_EQ(Names(kind, key), "|||") << key;
+    }
+    EXPECT_EQ(CodeNodeKey(ComponentKey("modA", "P"), "41"), "SmodA~P~@41");
+    EXPECT_EQ(FolderKey("Forms", "P"), "Type~Forms~P");
+    EXPECT_EQ(PlaceholderKey(ComponentKey("modA", "P")), "Code - modA~P~");
+}
+
+TEST(NodeKeys, CodeLinesAndGotoItems) {
+    EXPECT_EQ(CodeLineNumber("SmodA~P~@41"), 41);
+    EXPECT_EQ(CodeLineNumber("SmodA~P~@I~x7"), 7);
+    EXPECT_EQ(CodeLineNumber("SmodA~P~@x"), 0);
+    EXPECT_EQ(CodeLineNumber(std::string(40, '9')), 999'999'999);
+    EXPECT_EQ(GotoItemKey("SmodA~P~@4"), "Goto:SmodA~P~@4");
+    EXPECT_EQ(CodeKeyOfGotoItem("Goto:SmodA~P~@4"), "SmodA~P~@4");
+    EXPECT_EQ(CodeKeyOfGotoItem("goto:SmodA~P~@4"), std::nullopt);
+    EXPECT_EQ(CodeKeyOfGotoItem("Goto"), std::nullopt);
+}
+
+TEST(NodeKeys, FixedGroupNames) {
     EXPECT_TRUE(IsFixedGroupName("class MODULES"));
     EXPECT_TRUE(IsFixedGroupName("Unknown"));
     EXPECT_FALSE(IsFixedGroupName("Class Module"));
@@ -186,13 +224,15 @@ TEST_F(ExplorerTest, NewFolderStopsOnCancelEmptyKeyOrMissingProject) {
     EXPECT_TRUE(ui.log.empty());
 
     // A node outside any project: climbing ends at a top-level node that is no project.
-    nodes().Add(nullptr, tree::Relationship::Last, "Other", "Other");
-    nodes().Add("Other", tree::Relationship::Child, "Inner", "Inner");
+    const auto other =
+        nodes().Add(nullptr, tree::Relationship::Last, "Other", "Other", tree::NodeKind::Other);
+    nodes().Add(other.get(), tree::Relationship::Child, "Inner", "Inner", tree::NodeKind::Other);
     explorer.NewFolder("Inner");
     EXPECT_TRUE(ui.log.empty());
 
     // The project node stands for a project that has been closed.
-    nodes().Add(nullptr, tree::Relationship::Last, "Project~Closed", "Closed");
+    nodes().Add(nullptr, tree::Relationship::Last, "Project~Closed", "Closed",
+                tree::NodeKind::Project);
     ui.answers = {"X"};
     explorer.NewFolder("Project~Closed");
     EXPECT_EQ(FolderList(*project), "");

@@ -62,7 +62,6 @@ TEST_F(ExplorerTest, GivesEveryNodeItsKeyCaptionAndPicture) {
     const auto projectNode = nodes().Item("Project~P");
     EXPECT_EQ(projectNode->Text(), "P");
     EXPECT_EQ(projectNode->Image(), 1);
-    EXPECT_EQ(projectNode->SelectedImage(), 1);
     EXPECT_EQ(projectNode->Parent(), nullptr);
 
     const auto folderNode = nodes().Item("Type~Modules~P");
@@ -73,7 +72,6 @@ TEST_F(ExplorerTest, GivesEveryNodeItsKeyCaptionAndPicture) {
     const auto componentNode = nodes().Item("modMain~P~");
     EXPECT_EQ(componentNode->Text(), "modMain");
     EXPECT_EQ(componentNode->Image(), 2);
-    EXPECT_EQ(componentNode->SelectedImage(), 2);
     EXPECT_EQ(componentNode->Parent()->Key(), "Type~Modules~P");
 
     const auto placeholder = nodes().Item("Code - modMain~P~");
@@ -202,11 +200,11 @@ TEST_F(ExplorerTest, RefreshRebuildsEveryProjectAndTakesTheEventSources) {
     first->AddComponent("modA", ComponentType::StdModule);
     second->WriteProperty("Quorlin", "QX-TypeName", ";Empty;");
     explorer.GetFolderNode("First", "Stale");  // no project node yet: nothing happens
-    nodes().Add(nullptr, tree::Relationship::Last, "Project~Gone", "Gone");
+    nodes().Add(nullptr, tree::Relationship::Last, "Project~Gone", "Gone", tree::NodeKind::Project);
 
     explorer.RefreshProjects();
     EXPECT_EQ(Tree(), "*First\n  Modules\n    modA\nSecond\n  Empty\n");
-    EXPECT_TRUE(view.Visible());
+    EXPECT_EQ(view.OpenUpdates(), 0);
     EXPECT_EQ(explorer.projEvents, vbe->Events()->VBProjectsEvents());
     EXPECT_EQ(explorer.compEvents, vbe->Events()->VBComponentsEvents(first));
 
@@ -217,7 +215,7 @@ TEST_F(ExplorerTest, RefreshRebuildsEveryProjectAndTakesTheEventSources) {
 
 TEST_F(ExplorerTest, WithoutEnvironmentTheTreeStaysAsItIs) {
     ProjectExplorer detached(nullptr, view, ui);
-    nodes().Add(nullptr, tree::Relationship::Last, "Project~X", "X");
+    nodes().Add(nullptr, tree::Relationship::Last, "Project~X", "X", tree::NodeKind::Project);
     detached.RefreshProjects();
     EXPECT_EQ(Tree(), "X\n");
     EXPECT_EQ(detached.projEvents, nullptr);

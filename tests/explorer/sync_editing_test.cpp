@@ -37,9 +37,7 @@ class SyncAndEditing : public DiskExplorerTest {
     }
 
     bool Rename(const std::string& key, const std::string& text) {
-        bool cancel = false;
-        explorer->AfterLabelEdit(*nodes().Item(key), text, cancel);
-        return !cancel;
+        return explorer->AfterLabelEdit(*nodes().Item(key), text).done();
     }
 };
 

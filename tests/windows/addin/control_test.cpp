@@ -155,6 +155,7 @@ TEST_F(ControlInAtlHost, IsCreatedByProgIdActivatedInPlaceFollowsItsSiteAndDraws
         << "the document's text is on the screen";
 
     const std::string log = ReadText(logPath_);
+    std::printf("what the host asked for:\n%s", log.c_str());
     EXPECT_NE(log.find("docAddIn QueryInterface IOleObject"), std::string::npos) << log;
     EXPECT_NE(log.find("IOleInPlaceObject"), std::string::npos) << log;
 

@@ -23,6 +23,7 @@ void HostContext::SetMainWindow(HWND window) {
 
 void HostContext::SelectComponent(const env::VBComponentRef& component) {
     selected_ = component;
+    environment_->SetSelectedVBComponent(component);
     if (!component) return;
     if (auto project = env::ProjectOf(*component)) environment_->SetActiveVBProject(project);
 }

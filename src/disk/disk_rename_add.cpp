@@ -1,0 +1,128 @@
+// Renaming projects and components and adding component files, with the refusals the IDE
+// makes (see disk_environment.h).
+#include <algorithm>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "base/utf8.h"
+#include "base/vb_error.h"
+#include "disk/disk_loading.h"
+#include "disk/disk_objects.h"
+#include "disk/file_io.h"
+#include "disk/vb_path.h"
+
+namespace arbolet::disk {
+namespace fs = std::filesystem;
+
+namespace {
+
+bool NamesComponentOf(const DiskComponents& components, std::string_view name,
+                      const DiskComponent* except) {
+    const std::string lower = text::ToLower(name);
+    return std::any_of(components.items.begin(), components.items.end(), [&](const auto& c) {
+        return c.get() != except && text::ToLower(c->Name()) == lower;
+    });
+}
+
+}  // namespace
+
+// The file keeps its name; `Attribute VB_Name` and, for modules and classes, the project file's
+// entry take the new one.
+void DiskComponent::SetName(std::string_view newName) {
+    constexpr const char* kSource = "VBComponent.Name";
+    const auto components = std::static_pointer_cast<DiskComponents>(collection.lock());
+    const auto project = OwningProject(*this);
+    if (!text_ || !project) env::enverr::RaiseNotSupported(kSource);
+    env::CheckComponentName(*components, newName, this);
+    ComponentText renamed = *text_;
+    renamed.Rename(newName);
+    ProjectFile projectText = project->Text();
+    if (IsNamedEntry(entryKind)) {
+        for (const ProjectEntry& entry : projectText.TopLevel()) {
+            const auto semicolon = entry.value.find(';');
+            if (KindOfKey(entry.key) != entryKind || semicolon == std::string::npos ||
+                Unquoted(text::Trim(std::string_view(entry.value).substr(semicolon + 1))) !=
+                    entryPath) {
+                continue;
+            }
+            projectText.SetTopLevelValue(entry.line,
+                                         std::string(newName) + entry.value.substr(semicolon));
+            break;
+        }
+    }
+    // Both texts changed or neither: the edits above raise before anything is taken.
+    text_ = std::move(renamed);
+    project->EditText() = std::move(projectText);
+    const std::string oldName = std::exchange(name_, std::string(newName));
+    const env::VBComponentRef self = shared_from_this();
+    project->RaiseComponentEvent(
+        [&](env::VBComponentsEventsSink& sink) { sink.ItemRenamed(self, oldName); });
+}
+
+void DiskProject::SetName(std::string_view newName) {
+    const auto projects = collection.lock();
+    if (!projects) env::enverr::RaiseObjectNotSet("VBProject.Name");
+    env::CheckProjectName(*projects, newName, this);
+    const std::string quoted = "\"" + std::string(newName) + "\"";
+    std::optional<std::size_t> nameLine;
+    for (const ProjectEntry& entry : text_.TopLevel()) {
+        if (text::ToLower(entry.key) == "name") {
+            nameLine = entry.line;
+            break;
+        }
+    }
+    if (nameLine) {
+        text_.SetTopLevelValue(*nameLine, quoted);
+    } else {
+        text_.AddTopLevelEntry("Name", quoted);
+    }
+    const std::string oldName = std::exchange(name, std::string(newName));
+    if (auto hub = events.lock()) {
+        const env::VBProjectRef self = shared_from_this();
+        hub->RaiseProjectEvent(
+            [&](env::VBProjectsEventsSink& sink) { sink.ItemRenamed(self, oldName); });
+    }
+}
+
+env::VBComponentRef DiskComponents::AddFile(std::string_view fileName) {
+    constexpr const char* kSource = "VBComponents.AddFile";
+    const auto project = std::static_pointer_cast<DiskProject>(Parent());
+    if (!project) env::enverr::RaiseObjectNotSet(kSource);
+    const fs::path folder = project->Path().parent_path();
+    const fs::path given = PathFromUtf8(fileName);
+    const auto resolved = ResolveVbPath(fs::current_path(), PathToUtf8(given.generic_u8string()));
+    if (!resolved || !fs::is_regular_file(*resolved)) {
+        throw VbError(53, kSource, "File not found: '" + std::string(fileName) + "'");
+    }
+    const auto kind = KindOfFile(*resolved);
+    if (!kind) {
+        throw VbError(env::enverr::kInvalidProcedureCall, kSource,
+                      "'" + std::string(fileName) + "' is not a component file");
+    }
+    const fs::path canonical = Canonical(*resolved);
+    for (const auto& component : items) {
+        if (Canonical(component->Path()) == canonical) {
+            throw VbError(env::enverr::kFileAlreadyInProject, kSource,
+                          "'" + std::string(fileName) + "' is already part of the project");
+        }
+    }
+    std::vector<LoadWarning> warnings;
+    ComponentLoader loader(*project, project->codePage, warnings);
+    ComponentEntry entry{*kind, {}, VbPathFor(*resolved, folder), 0};
+    auto component = loader.Load(entry);
+    if (!component) throw VbError(75, kSource, "Path/File access error: '" + entry.path + "'");
+    if (NamesComponentOf(*this, component->Name(), nullptr)) {
+        throw VbError(env::enverr::kInvalidPropertyValue, kSource,
+                      std::string(env::enverr::kNameConflicts) + ": " + component->Name());
+    }
+    project->EditText().AddTopLevelEntry(
+        KeyOfKind(*kind), IsNamedEntry(*kind) ? component->Name() + "; " + entry.path : entry.path);
+    component->collection = project->components;
+    items.push_back(component);
+    const env::VBComponentRef added = component;
+    project->RaiseComponentEvent([&](env::VBComponentsEventsSink& sink) { sink.ItemAdded(added); });
+    return added;
+}
+
+}  // namespace arbolet::disk

@@ -1,0 +1,44 @@
+// New components as the IDE's Project menu adds them: a file beside the project with the IDE's
+// default name and the minimal text it writes for the kind, and the project's entry for it.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "environment/vbide.h"
+
+namespace arbolet::disk {
+
+class DiskProject;
+
+enum class NewComponentKind {
+    Form,
+    MDIForm,
+    Module,
+    Class,
+    UserControl,
+    PropertyPage,
+    UserDocument
+};
+
+// The kind by its command-line word ("form", "mdiform", "module", "class", "usercontrol",
+// "propertypage", "userdocument"), ignoring case.
+std::optional<NewComponentKind> NewComponentKindNamed(std::string_view word);
+
+// The file text for a new component of the kind named `name`, with CRLF line ends.
+std::string NewComponentText(NewComponentKind kind, std::string_view name);
+
+// The IDE's default name: the kind's base name ("Form", "Module", ...) with the first number
+// from 1 that names no component of the project and no file in the project's folder.
+std::string DefaultComponentName(const DiskProject& project, NewComponentKind kind);
+
+// Creates the component file beside the project (never over an existing file), adds its entry
+// after the last entry of the same key (else after the last component entry), and raises
+// ItemAdded. Without a name the IDE's default is taken; a name the IDE refuses raises its error
+// (kInvalidPropertyValue with the reason). The project file changes in memory until saved.
+env::VBComponentRef AddNewComponent(DiskProject& project, NewComponentKind kind,
+                                    const std::optional<std::string>& name);
+
+}  // namespace arbolet::disk
