@@ -61,6 +61,9 @@ class DiskEnvironment final : public env::VBE,
 
     // Opens one more project file (VBProjects.AddFromFile) and raises ItemAdded.
     env::VBProjectRef AddFromFile(const std::filesystem::path& projectFile);
+    // Closes a project (VBProjects.Remove), leaving its files as they are on disk, and raises
+    // ItemRemoved; raises kSubscriptOutOfRange for a project that is not open.
+    void RemoveProject(const env::VBProjectRef& project);
 
     // Takes in what changed on disk: a changed component file is reloaded (ItemReloaded, or
     // ItemRenamed first when its name changed), a vanished one removed (ItemRemoved); a changed

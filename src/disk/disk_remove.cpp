@@ -1,9 +1,12 @@
-// Taking a component out of its project: its entry leaves the project file, its files stay.
+// Taking a component out of its project (its entry leaves the project file) and closing a
+// project; the files stay.
 #include <algorithm>
 
 #include "base/vb_error.h"
 #include "disk/component_entry.h"
+#include "disk/disk_environment.h"
 #include "disk/disk_objects.h"
+#include "environment/event_hub.h"
 
 namespace arbolet::disk {
 
@@ -25,6 +28,21 @@ void DiskComponents::Remove(const env::VBComponentRef& component) {
     project->RaiseComponentEvent(
         [&](env::VBComponentsEventsSink& sink) { sink.ItemRemoved(gone); });
     removed->collection.reset();
+}
+
+void DiskEnvironment::RemoveProject(const env::VBProjectRef& project) {
+    auto& items = projects_->items;
+    const auto found = std::find(items.begin(), items.end(), project);
+    if (found == items.end()) env::enverr::RaiseNotInCollection("VBProjects.Remove");
+    const std::shared_ptr<DiskProject> removed = *found;
+    items.erase(found);
+    if (projects_->start.lock() == project) {
+        projects_->start = items.empty() ? std::weak_ptr<env::VBProject>() : items.front();
+    }
+    if (active_.lock() == project) active_ = projects_->start;
+    const env::VBProjectRef gone = removed;
+    events_->RaiseProjectEvent([&](env::VBProjectsEventsSink& sink) { sink.ItemRemoved(gone); });
+    events_->ForgetProject(removed.get());
 }
 
 }  // namespace arbolet::disk

@@ -1,0 +1,669 @@
+// VBIDE objects over the projects on disk.
+#include "vb6host/ide_objects.h"
+
+#include <new>
+
+#include "base/vb_error.h"
+#include "disk/vb_path.h"
+#include "vb6host/command_bar_objects.h"
+#include "vb6host/event_objects.h"
+#include "vb6host/host_context.h"
+#include "vb6host/ide_commands.h"
+#include "vb6host/tool_window.h"
+#include "vb6host/vbide_ids.h"
+#include "windows/registry/ansi_text.h"
+
+namespace arbolet::vb6host {
+
+using windows::Utf8ToWide;
+using windows::WideToUtf8;
+
+namespace {
+
+constexpr auto kGet = MemberKind::Property;
+constexpr auto kCall = MemberKind::Method;
+
+[[noreturn]] void RaiseTypeMismatch(const char* source) {
+    throw VbError(13, source, "Type mismatch");
+}
+
+bool IsText(const VARIANT& value) {
+    return value.vt == VT_BSTR || value.vt == (VT_BSTR | VT_BYREF);
+}
+
+// Collections take a 1-based number or a name.
+template <typename Collection>
+auto ItemOf(const Collection& collection, const Call& call) {
+    const VARIANT& index = call.args.At(0);
+    if (IsText(index)) return collection.Item(WideToUtf8(Arguments::ToString(index)));
+    return collection.Item(Arguments::ToLong(index));
+}
+
+std::string Quote(const std::string& name) {
+    return "(\"" + name + "\")";
+}
+
+// ---- enumerator ----
+
+class EnumVariant final : public IEnumVARIANT {
+  public:
+    EnumVariant(std::vector<ComPtr<IDispatch>> items, std::size_t next)
+        : items_(std::move(items)), next_(next) {}
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) noexcept override {
+        if (object == nullptr) return E_POINTER;
+        *object = nullptr;
+        if (iid != IID_IUnknown && iid != IID_IEnumVARIANT) return E_NOINTERFACE;
+        *object = static_cast<IEnumVARIANT*>(this);
+        AddRef();
+        return S_OK;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() noexcept override {
+        return static_cast<ULONG>(InterlockedIncrement(&references_));
+    }
+    ULONG STDMETHODCALLTYPE Release() noexcept override {
+        const LONG left = InterlockedDecrement(&references_);
+        if (left == 0) delete this;
+        return static_cast<ULONG>(left);
+    }
+    HRESULT STDMETHODCALLTYPE Next(ULONG count, VARIANT* items, ULONG* fetched) noexcept override {
+        if (items == nullptr) return E_POINTER;
+        ULONG done = 0;
+        for (; done < count && next_ < items_.size(); ++done, ++next_) {
+            VariantInit(&items[done]);
+            items[done].vt = VT_DISPATCH;
+            items[done].pdispVal = items_[next_].Get();
+            items[done].pdispVal->AddRef();
+        }
+        if (fetched != nullptr) *fetched = done;
+        return done == count ? S_OK : S_FALSE;
+    }
+    HRESULT STDMETHODCALLTYPE Skip(ULONG count) noexcept override {
+        next_ = std::min<std::size_t>(items_.size(), next_ + count);
+        return next_ < items_.size() ? S_OK : S_FALSE;
+    }
+    HRESULT STDMETHODCALLTYPE Reset() noexcept override {
+        next_ = 0;
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE Clone(IEnumVARIANT** copy) noexcept override {
+        if (copy == nullptr) return E_POINTER;
+        *copy = new (std::nothrow) EnumVariant(items_, next_);
+        return *copy ? S_OK : E_OUTOFMEMORY;
+    }
+
+  private:
+    ~EnumVariant() = default;
+    std::vector<ComPtr<IDispatch>> items_;
+    std::size_t next_;
+    LONG references_ = 1;
+};
+
+template <typename Collection, typename Wrap>
+std::vector<ComPtr<IDispatch>> AllOf(const Collection& collection, const Wrap& wrap) {
+    std::vector<ComPtr<IDispatch>> items;
+    for (std::int32_t i = 1; i <= collection.Count(); ++i)
+        items.push_back(wrap(collection.Item(i)));
+    return items;
+}
+
+}  // namespace
+
+ComPtr<IUnknown> MakeEnumerator(std::vector<ComPtr<IDispatch>> items) {
+    return ComPtr<IUnknown>::Attach(new EnumVariant(std::move(items), 0));
+}
+
+void ReturnEnumerator(const Call& call, std::vector<ComPtr<IDispatch>> items) {
+    if (call.result == nullptr) return;
+    call.result->vt = VT_UNKNOWN;
+    call.result->punkVal = MakeEnumerator(std::move(items)).Detach();
+}
+
+ComPtr<IDispatch> VbeObjectFor(HostContext& context) {
+    return context.Wrap<VbeObject>(context.SharedEnvironment());
+}
+
+ComPtr<IDispatch> ProjectObjectFor(HostContext& context, const env::VBProjectRef& project) {
+    return context.Wrap<ProjectObject>(project);
+}
+
+ComPtr<IDispatch> ComponentObjectFor(HostContext& context, const env::VBComponentRef& component) {
+    return context.Wrap<ComponentObject>(component);
+}
+
+env::VBProjectRef ProjectOf(IDispatch* object) {
+    if (object == nullptr) return nullptr;
+    auto* project = dynamic_cast<ProjectObject*>(HostObjectOf(object));
+    if (project == nullptr) RaiseTypeMismatch("VBProject");
+    return project->Model();
+}
+
+env::VBComponentRef ComponentOf(IDispatch* object) {
+    if (object == nullptr) return nullptr;
+    auto* component = dynamic_cast<ComponentObject*>(HostObjectOf(object));
+    if (component == nullptr) RaiseTypeMismatch("VBComponent");
+    return component->Model();
+}
+
+// ---- VBE ----
+
+namespace {
+constexpr Member kVbeMembers[] = {
+    {L"Name", vbide::kVbeName, kGet},
+    {L"Version", vbide::kVbeVersion, kGet},
+    {L"VBProjects", vbide::kVbeVBProjects, kGet},
+    {L"CommandBars", vbide::kVbeCommandBars, kGet},
+    {L"Windows", vbide::kVbeWindows, kGet},
+    {L"Events", vbide::kVbeEvents, kGet},
+    {L"Addins", vbide::kVbeAddins, kGet},
+    {L"ActiveVBProject", vbide::kVbeActiveVBProject, kGet},
+    {L"SelectedVBComponent", vbide::kVbeSelectedVBComponent, kGet},
+    {L"MainWindow", vbide::kVbeMainWindow, kGet},
+    {L"ActiveCodePane", vbide::kVbeActiveCodePane, kGet},
+};
+}  // namespace
+
+const InterfaceInfo VbeObject::kInterface = {L"VBE", vbide::kIidVBE};
+
+VbeObject::VbeObject(std::shared_ptr<HostContext> context,
+                     std::shared_ptr<disk::DiskEnvironment> env)
+    : DispatchObject(std::move(context), kInterface, kVbeMembers), env_(std::move(env)) {}
+
+void VbeObject::Run(DISPID id, const Call& call) {
+    HostContext& context = Context();
+    switch (id) {
+        case vbide::kVbeName:
+            return call.ReturnString(L"Microsoft Visual Basic");
+        case vbide::kVbeVersion:
+            return call.ReturnString(L"6.00");
+        case vbide::kVbeVBProjects:
+            return call.ReturnObject(context.Wrap<ProjectsObject>(env_->VBProjects()).Get());
+        case vbide::kVbeCommandBars:
+            return call.ReturnObject(CommandBarsObjectFor(context).Get());
+        case vbide::kVbeWindows:
+            return call.ReturnObject(WindowsObjectFor(context).Get());
+        case vbide::kVbeEvents:
+            return call.ReturnObject(context.Wrap<EventsObject>(env_->Events()).Get());
+        case vbide::kVbeAddins:
+            return call.ReturnObject(context.Wrap<AddInsObject>(context.AddIn()).Get());
+        case vbide::kVbeActiveVBProject:
+            if (call.isPut) {
+                env_->SetActiveVBProject(ProjectOf(Arguments::ToObject(call.args.Value())));
+                return;
+            }
+            return call.ReturnObject(ProjectObjectFor(context, env_->ActiveVBProject()).Get());
+        case vbide::kVbeSelectedVBComponent:
+            return call.ReturnObject(
+                ComponentObjectFor(context, context.SelectedComponent()).Get());
+        case vbide::kVbeMainWindow:
+            return call.ReturnObject(MainWindowObjectFor(context).Get());
+        case vbide::kVbeActiveCodePane: {
+            if (call.isPut) {
+                throw VbError(383, "VBE.ActiveCodePane", "Property is read-only");
+            }
+            const auto component = context.ActiveCodeComponent();
+            if (!component) return call.ReturnObject(nullptr);
+            return call.ReturnObject(context.Wrap<CodePaneObject>(component).Get());
+        }
+    }
+}
+
+// ---- VBProjects ----
+
+namespace {
+constexpr Member kProjectsMembers[] = {
+    {L"Item", vbide::kItem, kCall},
+    {L"_NewEnum", vbide::kNewEnum, kCall},
+    {L"Parent", vbide::kProjectsParent, kGet},
+    {L"Count", vbide::kProjectsCount, kGet},
+    {L"VBE", vbide::kProjectsVBE, kGet},
+    {L"AddFromFile", vbide::kProjectsAddFromFile, kCall},
+    {L"Remove", vbide::kProjectsRemove, kCall},
+    {L"StartProject", vbide::kProjectsStartProject, kGet},
+};
+}  // namespace
+
+const InterfaceInfo ProjectsObject::kInterface = {L"VBProjects", vbide::kIidVBProjects};
+
+ProjectsObject::ProjectsObject(std::shared_ptr<HostContext> context,
+                               std::shared_ptr<env::VBProjects> projects)
+    : DispatchObject(std::move(context), kInterface, kProjectsMembers),
+      projects_(std::move(projects)) {}
+
+void ProjectsObject::Run(DISPID id, const Call& call) {
+    HostContext& context = Context();
+    switch (id) {
+        case vbide::kItem:
+            return call.ReturnObject(ProjectObjectFor(context, ItemOf(*projects_, call)).Get());
+        case vbide::kNewEnum:
+            return ReturnEnumerator(call, AllOf(*projects_, [&](const env::VBProjectRef& p) {
+                                        return ProjectObjectFor(context, p);
+                                    }));
+        case vbide::kProjectsParent:
+        case vbide::kProjectsVBE:
+            return call.ReturnObject(VbeObjectFor(context).Get());
+        case vbide::kProjectsCount:
+            return call.ReturnLong(projects_->Count());
+        case vbide::kProjectsAddFromFile: {
+            const auto added = context.Environment().AddFromFile(
+                disk::PathFromUtf8(WideToUtf8(call.args.String(0))));
+            return call.ReturnObject(ProjectObjectFor(context, added).Get());
+        }
+        case vbide::kProjectsRemove:
+            context.Environment().RemoveProject(ProjectOf(call.args.Object(0)));
+            return;
+        case vbide::kProjectsStartProject:
+            if (call.isPut) {
+                projects_->SetStartProject(ProjectOf(Arguments::ToObject(call.args.Value())));
+                return;
+            }
+            return call.ReturnObject(ProjectObjectFor(context, projects_->StartProject()).Get());
+    }
+}
+
+// ---- VBProject ----
+
+namespace {
+constexpr Member kProjectMembers[] = {
+    {L"Name", vbide::kProjectName, kGet},
+    {L"FileName", vbide::kProjectFileName, kGet},
+    {L"IsDirty", vbide::kProjectIsDirty, kGet},
+    {L"WriteProperty", vbide::kProjectWriteProperty, kCall},
+    {L"ReadProperty", vbide::kProjectReadProperty, kCall},
+    {L"VBE", vbide::kProjectVBE, kGet},
+    {L"Collection", vbide::kProjectCollection, kGet},
+    {L"Type", vbide::kProjectType, kGet},
+    {L"Saved", vbide::kProjectSaved, kGet},
+    {L"VBComponents", vbide::kProjectVBComponents, kGet},
+};
+
+bool ProjectChanged(const HostContext& context, const env::VBProject& project) {
+    const auto changed = context.Environment().ChangedFiles();
+    const auto path = disk::PathFromUtf8(project.FileName());
+    for (const auto& file : changed) {
+        if (file == path) return true;
+    }
+    return false;
+}
+}  // namespace
+
+const InterfaceInfo ProjectObject::kInterface = {L"VBProject", vbide::kIidVBProject};
+
+ProjectObject::ProjectObject(std::shared_ptr<HostContext> context, env::VBProjectRef project)
+    : DispatchObject(std::move(context), kInterface, kProjectMembers),
+      project_(std::move(project)) {}
+
+std::string ProjectObject::Describe() const {
+    return "VBProject" + Quote(project_->Name());
+}
+
+void ProjectObject::Run(DISPID id, const Call& call) {
+    HostContext& context = Context();
+    switch (id) {
+        case vbide::kProjectName:
+            if (call.isPut) {
+                project_->SetName(WideToUtf8(Arguments::ToString(call.args.Value())));
+                return;
+            }
+            return call.ReturnUtf8(project_->Name());
+        case vbide::kProjectFileName:
+            return call.ReturnUtf8(project_->FileName());
+        case vbide::kProjectIsDirty:
+            return call.ReturnBool(ProjectChanged(context, *project_));
+        case vbide::kProjectSaved:
+            return call.ReturnBool(!ProjectChanged(context, *project_));
+        case vbide::kProjectWriteProperty:
+            project_->WriteProperty(WideToUtf8(call.args.String(0)),
+                                    WideToUtf8(call.args.String(1)),
+                                    WideToUtf8(call.args.String(2)));
+            return;
+        case vbide::kProjectReadProperty:
+            return call.ReturnUtf8(project_->ReadProperty(WideToUtf8(call.args.String(0)),
+                                                          WideToUtf8(call.args.String(1))));
+        case vbide::kProjectVBE:
+            return call.ReturnObject(VbeObjectFor(context).Get());
+        case vbide::kProjectCollection:
+            return call.ReturnObject(context.Wrap<ProjectsObject>(project_->Collection()).Get());
+        case vbide::kProjectType:
+            return call.ReturnLong(static_cast<std::int32_t>(TypeOfProject(*project_)));
+        case vbide::kProjectVBComponents:
+            return call.ReturnObject(
+                context.Wrap<ComponentsObject>(project_->VBComponents()).Get());
+    }
+}
+
+// ---- VBComponents ----
+
+namespace {
+constexpr Member kComponentsMembers[] = {
+    {L"Item", vbide::kItem, kCall},
+    {L"_NewEnum", vbide::kNewEnum, kCall},
+    {L"Parent", vbide::kComponentsParent, kGet},
+    {L"Count", vbide::kComponentsCount, kGet},
+    {L"Remove", vbide::kComponentsRemove, kCall},
+    {L"Add", vbide::kComponentsAdd, kCall},
+    {L"VBE", vbide::kComponentsVBE, kGet},
+    {L"AddFile", vbide::kComponentsAddFile, kCall},
+};
+}  // namespace
+
+const InterfaceInfo ComponentsObject::kInterface = {L"VBComponents", vbide::kIidVBComponents};
+
+ComponentsObject::ComponentsObject(std::shared_ptr<HostContext> context,
+                                   std::shared_ptr<env::VBComponents> components)
+    : DispatchObject(std::move(context), kInterface, kComponentsMembers),
+      components_(std::move(components)) {}
+
+void ComponentsObject::Run(DISPID id, const Call& call) {
+    HostContext& context = Context();
+    switch (id) {
+        case vbide::kItem:
+            return call.ReturnObject(ComponentObjectFor(context, ItemOf(*components_, call)).Get());
+        case vbide::kNewEnum:
+            return ReturnEnumerator(call, AllOf(*components_, [&](const env::VBComponentRef& c) {
+                                        return ComponentObjectFor(context, c);
+                                    }));
+        case vbide::kComponentsParent:
+            return call.ReturnObject(ProjectObjectFor(context, components_->Parent()).Get());
+        case vbide::kComponentsCount:
+            return call.ReturnLong(components_->Count());
+        case vbide::kComponentsRemove: {
+            const auto component = ComponentOf(call.args.Object(0));
+            if (!component) throw VbError(91, "VBComponents.Remove", "Object variable not set");
+            components_->Remove(component);
+            return;
+        }
+        case vbide::kComponentsAdd: {
+            const auto type = static_cast<env::ComponentType>(call.args.Long(0));
+            return call.ReturnObject(
+                ComponentObjectFor(context, AddNewComponent(components_->Parent(), type)).Get());
+        }
+        case vbide::kComponentsVBE:
+            return call.ReturnObject(VbeObjectFor(context).Get());
+        case vbide::kComponentsAddFile:
+            return call.ReturnObject(
+                ComponentObjectFor(context, components_->AddFile(WideToUtf8(call.args.String(0))))
+                    .Get());
+    }
+}
+
+// ---- VBComponent ----
+
+namespace {
+constexpr Member kComponentMembers[] = {
+    {L"IsDirty", vbide::kComponentIsDirty, kGet},
+    {L"FileNames", vbide::kComponentFileNames, kGet},
+    {L"FileCount", vbide::kComponentFileCount, kGet},
+    {L"Name", vbide::kComponentName, kGet},
+    {L"CodeModule", vbide::kComponentCodeModule, kGet},
+    {L"Type", vbide::kComponentType, kGet},
+    {L"VBE", vbide::kComponentVBE, kGet},
+    {L"Collection", vbide::kComponentCollection, kGet},
+    {L"HasOpenDesigner", vbide::kComponentHasOpenDesigner, kGet},
+    {L"ReadProperty", vbide::kComponentReadProperty, kCall},
+    {L"WriteProperty", vbide::kComponentWriteProperty, kCall},
+    {L"Activate", vbide::kComponentActivate, kCall},
+};
+}  // namespace
+
+const InterfaceInfo ComponentObject::kInterface = {L"VBComponent", vbide::kIidVBComponent};
+
+ComponentObject::ComponentObject(std::shared_ptr<HostContext> context,
+                                 env::VBComponentRef component)
+    : DispatchObject(std::move(context), kInterface, kComponentMembers),
+      component_(std::move(component)) {}
+
+std::string ComponentObject::Describe() const {
+    return "VBComponent" + Quote(component_->Name());
+}
+
+void ComponentObject::Run(DISPID id, const Call& call) {
+    HostContext& context = Context();
+    switch (id) {
+        case vbide::kComponentIsDirty: {
+            const auto changed = context.Environment().ChangedFiles();
+            const auto path = disk::PathFromUtf8(component_->FileNames(1));
+            return call.ReturnBool(std::find(changed.begin(), changed.end(), path) !=
+                                   changed.end());
+        }
+        case vbide::kComponentFileNames: {
+            const std::int32_t index = call.args.Long(0);
+            if (index < 1 || index > component_->FileCount()) {
+                throw VbError(9, "VBComponent.FileNames", "Subscript out of range");
+            }
+            return call.ReturnUtf8(component_->FileNames(static_cast<std::int16_t>(index)));
+        }
+        case vbide::kComponentFileCount:
+            return call.ReturnLong(component_->FileCount());
+        case vbide::kComponentName:
+            if (call.isPut) {
+                component_->SetName(WideToUtf8(Arguments::ToString(call.args.Value())));
+                return;
+            }
+            return call.ReturnUtf8(component_->Name());
+        case vbide::kComponentCodeModule:
+            if (!component_->CodeModule()) return call.ReturnObject(nullptr);
+            return call.ReturnObject(context.Wrap<CodeModuleObject>(component_).Get());
+        case vbide::kComponentType:
+            return call.ReturnLong(static_cast<std::int32_t>(component_->Type()));
+        case vbide::kComponentVBE:
+            return call.ReturnObject(VbeObjectFor(context).Get());
+        case vbide::kComponentCollection:
+            return call.ReturnObject(
+                context.Wrap<ComponentsObject>(component_->Collection()).Get());
+        case vbide::kComponentHasOpenDesigner:
+            return call.ReturnBool(context.DesignerOpened(component_.get()) > 0);
+        case vbide::kComponentReadProperty:
+            return call.ReturnUtf8(component_->ReadProperty(WideToUtf8(call.args.String(0))));
+        case vbide::kComponentWriteProperty:
+            component_->WriteProperty(WideToUtf8(call.args.String(0)),
+                                      WideToUtf8(call.args.String(1)));
+            return;
+        case vbide::kComponentActivate:
+            if (HasDesigner(component_->Type())) {
+                ShowDesigner(context, component_);
+            } else {
+                ShowCode(context, component_);
+            }
+            return;
+    }
+}
+
+// ---- CodeModule ----
+
+namespace {
+constexpr Member kCodeModuleMembers[] = {
+    {L"Parent", vbide::kCodeModuleParent, kGet},
+    {L"VBE", vbide::kCodeModuleVBE, kGet},
+    {L"Name", vbide::kCodeModuleName, kGet},
+    {L"Lines", vbide::kCodeModuleLines, kGet},
+    {L"CountOfLines", vbide::kCodeModuleCountOfLines, kGet},
+    {L"CodePane", vbide::kCodeModuleCodePane, kGet},
+};
+
+std::shared_ptr<env::CodeModule> CodeOf(const env::VBComponent& component) {
+    auto code = component.CodeModule();
+    if (!code) throw VbError(91, "CodeModule", "Object variable not set");
+    return code;
+}
+}  // namespace
+
+const InterfaceInfo CodeModuleObject::kInterface = {L"CodeModule", vbide::kIidCodeModule};
+
+CodeModuleObject::CodeModuleObject(std::shared_ptr<HostContext> context,
+                                   env::VBComponentRef component)
+    : DispatchObject(std::move(context), kInterface, kCodeModuleMembers),
+      component_(std::move(component)) {}
+
+void CodeModuleObject::Run(DISPID id, const Call& call) {
+    HostContext& context = Context();
+    switch (id) {
+        case vbide::kCodeModuleParent:
+            return call.ReturnObject(ComponentObjectFor(context, component_).Get());
+        case vbide::kCodeModuleVBE:
+            return call.ReturnObject(VbeObjectFor(context).Get());
+        case vbide::kCodeModuleName:
+            return call.ReturnUtf8(component_->Name());
+        case vbide::kCodeModuleLines:
+            return call.ReturnUtf8(
+                CodeOf(*component_)->Lines(call.args.Long(0), call.args.Long(1)));
+        case vbide::kCodeModuleCountOfLines:
+            return call.ReturnLong(CodeOf(*component_)->CountOfLines());
+        case vbide::kCodeModuleCodePane:
+            return call.ReturnObject(context.Wrap<CodePaneObject>(component_).Get());
+    }
+}
+
+// ---- CodePane ----
+
+namespace {
+constexpr Member kCodePaneMembers[] = {
+    {L"VBE", vbide::kCodePaneVBE, kGet},
+    {L"GetSelection", vbide::kCodePaneGetSelection, kCall},
+    {L"SetSelection", vbide::kCodePaneSetSelection, kCall},
+    {L"TopLine", vbide::kCodePaneTopLine, kGet},
+    {L"CountOfVisibleLines", vbide::kCodePaneCountOfVisibleLines, kGet},
+    {L"CodeModule", vbide::kCodePaneCodeModule, kGet},
+    {L"Show", vbide::kCodePaneShow, kCall},
+};
+
+constexpr std::int32_t kVisibleLines = 40;
+
+void PutLong(VARIANT& slot, std::int32_t value) {
+    if (slot.vt == (VT_I4 | VT_BYREF)) {
+        *slot.plVal = value;
+    } else {
+        VariantClear(&slot);
+        slot.vt = VT_I4;
+        slot.lVal = value;
+    }
+}
+}  // namespace
+
+const InterfaceInfo CodePaneObject::kInterface = {L"CodePane", vbide::kIidCodePane};
+
+CodePaneObject::CodePaneObject(std::shared_ptr<HostContext> context, env::VBComponentRef component)
+    : DispatchObject(std::move(context), kInterface, kCodePaneMembers),
+      component_(std::move(component)) {}
+
+void CodePaneObject::Run(DISPID id, const Call& call) {
+    HostContext& context = Context();
+    CodePaneState& pane = context.CodePane(component_.get());
+    switch (id) {
+        case vbide::kCodePaneVBE:
+            return call.ReturnObject(VbeObjectFor(context).Get());
+        case vbide::kCodePaneGetSelection:
+            for (std::size_t i = 0; i < 4; ++i)
+                PutLong(call.args.ByRef(i), pane.selection[i]);
+            return;
+        case vbide::kCodePaneSetSelection: {
+            const std::int32_t lines = CodeOf(*component_)->CountOfLines();
+            for (std::size_t i = 0; i < 4; ++i) {
+                const std::int32_t value = call.args.Long(i);
+                if (value < 1 || (i % 2 == 0 && value > std::max(lines, 1))) {
+                    throw VbError(5, "CodePane.SetSelection", "Invalid procedure call or argument");
+                }
+                pane.selection[i] = value;
+            }
+            // The IDE scrolls a selection that is out of view to the top of the window.
+            if (pane.selection[0] < pane.topLine ||
+                pane.selection[0] >= pane.topLine + kVisibleLines) {
+                pane.topLine = pane.selection[0];
+            }
+            return;
+        }
+        case vbide::kCodePaneTopLine:
+            if (call.isPut) {
+                pane.topLine = std::max(1, Arguments::ToLong(call.args.Value()));
+                return;
+            }
+            return call.ReturnLong(pane.topLine);
+        case vbide::kCodePaneCountOfVisibleLines:
+            return call.ReturnLong(kVisibleLines);
+        case vbide::kCodePaneCodeModule:
+            return call.ReturnObject(context.Wrap<CodeModuleObject>(component_).Get());
+        case vbide::kCodePaneShow:
+            ShowCode(context, component_);
+            return;
+    }
+}
+
+// ---- AddIn and Addins ----
+
+namespace {
+constexpr Member kAddInMembers[] = {
+    {L"Description", vbide::kAddInDescription, kGet},
+    {L"VBE", vbide::kAddInVBE, kGet},
+    {L"Collection", vbide::kAddInCollection, kGet},
+    {L"ProgId", vbide::kAddInProgId, kGet},
+    {L"Guid", vbide::kAddInGuid, kGet},
+    {L"Connect", vbide::kAddInConnect, kGet},
+    {L"Object", vbide::kAddInObject, kGet},
+};
+constexpr Member kAddInsMembers[] = {
+    {L"Item", vbide::kItem, kCall},
+    {L"VBE", vbide::kAddInsVBE, kGet},
+    {L"Parent", vbide::kAddInsParent, kGet},
+    {L"Count", vbide::kAddInsCount, kGet},
+};
+}  // namespace
+
+const InterfaceInfo AddInObject::kInterface = {L"AddIn", vbide::kIidAddIn};
+
+AddInObject::AddInObject(std::shared_ptr<HostContext> context, std::shared_ptr<AddInData> addIn)
+    : DispatchObject(std::move(context), kInterface, kAddInMembers), addIn_(std::move(addIn)) {}
+
+void AddInObject::Run(DISPID id, const Call& call) {
+    HostContext& context = Context();
+    switch (id) {
+        case vbide::kAddInDescription:
+            if (call.isPut) {
+                addIn_->description = Arguments::ToString(call.args.Value());
+                return;
+            }
+            return call.ReturnString(addIn_->description);
+        case vbide::kAddInVBE:
+            return call.ReturnObject(VbeObjectFor(context).Get());
+        case vbide::kAddInCollection:
+            return call.ReturnObject(context.Wrap<AddInsObject>(addIn_).Get());
+        case vbide::kAddInProgId:
+            return call.ReturnString(addIn_->progId);
+        case vbide::kAddInGuid:
+            return call.ReturnString(addIn_->guid);
+        case vbide::kAddInConnect:
+            if (call.isPut) throw VbError(383, "AddIn.Connect", "Property is read-only");
+            return call.ReturnBool(addIn_->connected);
+        case vbide::kAddInObject:
+            if (call.isPut) {
+                context.AddInObject() = ComPtr<IDispatch>(Arguments::ToObject(call.args.Value()));
+                return;
+            }
+            return call.ReturnObject(context.AddInObject().Get());
+    }
+}
+
+const InterfaceInfo AddInsObject::kInterface = {L"Addins", vbide::kIidAddIns};
+
+AddInsObject::AddInsObject(std::shared_ptr<HostContext> context, std::shared_ptr<AddInData> addIn)
+    : DispatchObject(std::move(context), kInterface, kAddInsMembers), addIn_(std::move(addIn)) {}
+
+void AddInsObject::Run(DISPID id, const Call& call) {
+    HostContext& context = Context();
+    switch (id) {
+        case vbide::kItem: {
+            const VARIANT& index = call.args.At(0);
+            const bool matches = IsText(index) ? _wcsicmp(Arguments::ToString(index).c_str(),
+                                                          addIn_->progId.c_str()) == 0
+                                               : Arguments::ToLong(index) == 1;
+            if (!matches) throw VbError(9, "Addins.Item", "Subscript out of range");
+            return call.ReturnObject(context.Wrap<AddInObject>(addIn_).Get());
+        }
+        case vbide::kAddInsVBE:
+        case vbide::kAddInsParent:
+            return call.ReturnObject(VbeObjectFor(context).Get());
+        case vbide::kAddInsCount:
+            return call.ReturnLong(1);
+    }
+}
+
+}  // namespace arbolet::vb6host

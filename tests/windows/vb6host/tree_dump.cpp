@@ -1,0 +1,185 @@
+// The tool window's tree view, read and opened through its window messages.
+#include "vb6host/tree_dump.h"
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <functional>
+
+#include "windows/registry/ansi_text.h"
+
+namespace arbolet::vb6host {
+namespace {
+
+struct NodeInfo {
+    std::wstring text;
+    bool bold = false;
+    bool expanded = false;
+    int image = 0;
+};
+
+NodeInfo Read(HWND tree, HTREEITEM item) {
+    wchar_t text[1024] = {};
+    TVITEMW info{};
+    info.mask = TVIF_TEXT | TVIF_STATE | TVIF_IMAGE | TVIF_HANDLE;
+    info.hItem = item;
+    info.pszText = text;
+    info.cchTextMax = 1024;
+    info.stateMask = TVIS_BOLD | TVIS_EXPANDED;
+    SendMessageW(tree, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&info));
+    return {text, (info.state & TVIS_BOLD) != 0, (info.state & TVIS_EXPANDED) != 0, info.iImage};
+}
+
+HTREEITEM Next(HWND tree, HTREEITEM item, UINT how) {
+    return reinterpret_cast<HTREEITEM>(
+        SendMessageW(tree, TVM_GETNEXTITEM, how, reinterpret_cast<LPARAM>(item)));
+}
+
+// Every node, parents before children, in the tree's order; stops when `visit` says so.
+void Walk(HWND tree, const std::function<bool(HTREEITEM)>& visit) {
+    std::vector<HTREEITEM> pending;
+    for (HTREEITEM item = Next(tree, nullptr, TVGN_ROOT); item; item = Next(tree, item, TVGN_NEXT))
+        pending.push_back(item);
+    std::vector<HTREEITEM> order;
+    // Depth first with an explicit stack, so that deep code trees cannot exhaust the stack.
+    std::vector<HTREEITEM> stack(pending.rbegin(), pending.rend());
+    while (!stack.empty()) {
+        const HTREEITEM item = stack.back();
+        stack.pop_back();
+        if (!visit(item)) return;
+        std::vector<HTREEITEM> children;
+        for (HTREEITEM child = Next(tree, item, TVGN_CHILD); child;
+             child = Next(tree, child, TVGN_NEXT))
+            children.push_back(child);
+        stack.insert(stack.end(), children.rbegin(), children.rend());
+    }
+}
+
+std::string JsonText(const std::wstring& text) {
+    std::string out = "\"";
+    for (const char c : windows::WideToUtf8(text)) {
+        switch (c) {
+            case '"':
+                out += "\\\"";
+                break;
+            case '\\':
+                out += "\\\\";
+                break;
+            case '\n':
+                out += "\\n";
+                break;
+            case '\r':
+                out += "\\r";
+                break;
+            case '\t':
+                out += "\\t";
+                break;
+            default:
+                if (static_cast<unsigned char>(c) < 0x20) {
+                    char escaped[8];
+                    std::snprintf(escaped, sizeof(escaped), "\\u%04x", c);
+                    out += escaped;
+                } else {
+                    out += c;
+                }
+        }
+    }
+    return out + "\"";
+}
+
+void AppendNodes(HWND tree, HTREEITEM first, std::string& out) {
+    // Siblings in order; children through an explicit stack of open lists.
+    struct Level {
+        HTREEITEM item;
+    };
+    std::vector<Level> stack{{first}};
+    bool firstInList = true;
+    while (!stack.empty()) {
+        Level& level = stack.back();
+        if (level.item == nullptr) {
+            stack.pop_back();
+            if (!stack.empty()) {
+                out += "]}";
+                stack.back().item = Next(tree, stack.back().item, TVGN_NEXT);
+                firstInList = false;
+            }
+            continue;
+        }
+        const NodeInfo node = Read(tree, level.item);
+        if (!firstInList) out += ",";
+        out += "{\"text\":" + JsonText(node.text) + ",\"bold\":" + (node.bold ? "true" : "false") +
+               ",\"expanded\":" + (node.expanded ? "true" : "false") +
+               ",\"image\":" + std::to_string(node.image) + ",\"children\":[";
+        firstInList = true;
+        stack.push_back({Next(tree, level.item, TVGN_CHILD)});
+    }
+}
+
+BOOL CALLBACK TreeViewFinder(HWND window, LPARAM result) {
+    wchar_t name[64] = {};
+    GetClassNameW(window, name, 64);
+    if (_wcsicmp(name, WC_TREEVIEWW) != 0) return TRUE;
+    *reinterpret_cast<HWND*>(result) = window;
+    return FALSE;
+}
+
+}  // namespace
+
+HWND FindTreeView(HWND root) {
+    HWND found = nullptr;
+    EnumChildWindows(root, &TreeViewFinder, reinterpret_cast<LPARAM>(&found));
+    return found;
+}
+
+int ExpandNodes(HWND tree, const std::vector<std::wstring>& names, bool all) {
+    int opened = 0;
+    // Opening a node may add children (a component's code), so the walk starts again after
+    // each one; a node is opened at most once.
+    std::vector<HTREEITEM> done;
+    for (bool more = true; more && opened < 100000;) {
+        more = false;
+        Walk(tree, [&](HTREEITEM item) {
+            if (std::find(done.begin(), done.end(), item) != done.end()) return true;
+            const NodeInfo node = Read(tree, item);
+            const bool wanted =
+                all ? Next(tree, item, TVGN_CHILD) != nullptr
+                    : std::find(names.begin(), names.end(), node.text) != names.end();
+            if (!wanted || node.expanded) return true;
+            done.push_back(item);
+            SendMessageW(tree, TVM_SELECTITEM, TVGN_CARET, reinterpret_cast<LPARAM>(item));
+            SendMessageW(tree, WM_KEYDOWN, VK_ADD, 0);
+            SendMessageW(tree, WM_KEYUP, VK_ADD, 0);
+            ++opened;
+            more = true;
+            return false;
+        });
+    }
+    return opened;
+}
+
+std::string TreeJson(HWND tree) {
+    std::string out = "{\"nodes\":[";
+    if (HTREEITEM root = Next(tree, nullptr, TVGN_ROOT)) AppendNodes(tree, root, out);
+    return out + "]}\n";
+}
+
+int CountNodes(HWND tree) {
+    int count = 0;
+    Walk(tree, [&](HTREEITEM) {
+        ++count;
+        return true;
+    });
+    return count;
+}
+
+bool HasNodeText(HWND tree, const std::wstring& text) {
+    bool found = false;
+    Walk(tree, [&](HTREEITEM item) {
+        found = Read(tree, item).text == text;
+        return !found;
+    });
+    return found;
+}
+
+}  // namespace arbolet::vb6host
