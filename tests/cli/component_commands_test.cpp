@@ -192,7 +192,7 @@ TEST_F(ComponentCommands, AModuleNamedProjectExpandsRenamesAndMoves) {
     EXPECT_NE(tree.out.find("    Project\n      Sub Main()\n        If a Then\n"),
               std::string::npos)
         << tree.out;
-    EXPECT_EQ(Arbolet({"folders", shop, "move", "Project", "Core"}).status, 0);
+    EXPECT_EQ(Arbolet({"folders", shop, "move", "--create", "Project", "Core"}).status, 0);
     const CliRun renamed = Arbolet({"rename", shop, "Project", "modCore"});
     EXPECT_EQ(renamed.status, 0) << renamed.err;
     EXPECT_EQ(Arbolet({"folders", shop}).out, "Core\n  modCore\n");
