@@ -13,7 +13,7 @@
 #include <string>
 
 #include "addin/addin_dll.h"
-#include "support/png_file.h"
+#include "windows/screenshot/png_file.h"
 #include "support/screen_capture.h"
 #include "support/test_window.h"
 #include "windows/com/com_ptr.h"

@@ -11,6 +11,8 @@
 namespace arbolet::windows::testing {
 
 using windows::CaptureScreen;
+using windows::RgbImage;
+using windows::WritePng;
 using windows::CountPixels;
 using windows::UnionOfWindows;
 

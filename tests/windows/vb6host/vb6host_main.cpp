@@ -16,7 +16,7 @@
 #include <vector>
 
 #include "disk/vb_path.h"
-#include "support/png_file.h"
+#include "windows/screenshot/png_file.h"
 #include "support/screen_capture.h"
 #include "vb6host/addin_session.h"
 #include "vb6host/host_context.h"
