@@ -58,6 +58,12 @@ class docAddin final {
     // The explorer working on the tree, nullptr before the first Show with an environment.
     explorer::ProjectExplorer* Explorer() noexcept { return explorer_.get(); }
 
+    // Shows Arbolet's icons at the window's current DPI; again after the DPI changed.
+    void UpdatePictures();
+
+    // Builds the code trees on show again, after the display options changed.
+    void RebuildCodeTrees();
+
     // Show: the full reload when an environment is set.
     void Show();
     // Resize: places the document in its parent's client area and lays out its children.
@@ -100,6 +106,7 @@ class docAddin final {
     HWND cmdCode_ = nullptr;
     HWND cmdForm_ = nullptr;
     HFONT font_ = nullptr;
+    HIMAGELIST pictures_ = nullptr;
     cPopupMenu menu_;
     std::string helpFile_;
     std::unique_ptr<explorer::UiServices> ownUi_;
