@@ -260,6 +260,13 @@ void docAddin::RunCommand(const std::function<explorer::Outcome()>& command) {
     if (Edited) Edited();
 }
 
+void docAddin::RunMenuCommand(std::string_view key) {
+    if (!dispatcher_) return;
+    const tree::NodeRef selected = tree_->SelectedItem();
+    const std::string nodeKey = selected ? selected->Key() : std::string();
+    RunCommand([&] { return dispatcher_->Run(key, 0, nodeKey); });
+}
+
 void docAddin::Resize(int left, int top, int width, int height) {
     MoveWindow(hWnd_, left, top, std::max(width, 0), std::max(height, 0), TRUE);
     LayOut();

@@ -74,6 +74,9 @@ class docAddin final {
     // command runs before it returns. False when there is no menu to show.
     bool ShowTreeMenu(const tree::Node* node, POINT screen);
     bool ShowBackgroundMenu(POINT screen);
+    // Runs a menu item's command by its key ("ShowProperties", ...) on the selected node, as
+    // choosing the item does; nothing happens before the first Show with an environment.
+    void RunMenuCommand(std::string_view key);
 
     // After the user changed the projects through the tree (a rename, a move, dropped files),
     // for a host that saves them itself.
