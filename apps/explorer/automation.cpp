@@ -8,6 +8,7 @@
 
 #include "base/utf8.h"
 #include "cli/json_writer.h"
+#include "cli/tree_json.h"
 #include "explorer/node_keys.h"
 #include "windows/registry/ansi_text.h"
 #include "windows/screenshot/screen_capture.h"
@@ -101,16 +102,9 @@ void WriteItem(cli::JsonWriter& json, const ItemState& state, const tree::Node& 
     json.BeginArray();
 }
 
-// A component asked for that stayed closed, and why.
-struct NotExpanded {
-    std::string key;
-    std::string name;
-    std::string reason;
-};
-
 // Opens a component as a click on its button does; the explorer says why when it cannot.
 void Open(windows::TreeControl& tree, explorer::ProjectExplorer* explorer, tree::Node& node,
-          std::vector<NotExpanded>& notExpanded) {
+          std::vector<cli::NotExpandedComponent>& notExpanded) {
     if (explorer == nullptr) {
         PressOn(tree.hWnd(), ItemOf(tree, node.Key()), VK_RIGHT);
         return;
@@ -120,28 +114,12 @@ void Open(windows::TreeControl& tree, explorer::ProjectExplorer* explorer, tree:
     if (!outcome.done()) notExpanded.push_back({node.Key(), node.Text(), outcome.message()});
 }
 
-void WriteNotExpanded(cli::JsonWriter& json, const std::vector<NotExpanded>& notExpanded) {
-    json.Key("notExpanded");
-    json.BeginArray();
-    for (const NotExpanded& component : notExpanded) {
-        json.BeginObject();
-        json.Key("key");
-        json.String(component.key);
-        json.Key("name");
-        json.String(component.name);
-        json.Key("reason");
-        json.String(component.reason);
-        json.EndObject();
-    }
-    json.EndArray();
-}
-
 // Depth first without recursion; a component that is asked for is opened when it is reached
 // and closed again once its code is written, so only one code tree at a time counts against
 // the tree's node limit.
 void WriteTree(windows::TreeControl& tree, explorer::ProjectExplorer* explorer,
                const Expansion& expansion, cli::JsonWriter& json,
-               std::vector<NotExpanded>& notExpanded) {
+               std::vector<cli::NotExpandedComponent>& notExpanded) {
     const HWND control = tree.hWnd();
     struct Frame {
         std::string key;
@@ -343,11 +321,11 @@ bool DumpTree(MainWindow& window, const std::string& expand, const std::filesyst
         json.BeginObject();
         json.Key("nodes");
         json.BeginArray();
-        std::vector<NotExpanded> notExpanded;
+        std::vector<cli::NotExpandedComponent> notExpanded;
         WriteTree(window.Document().treMain(), window.Document().Explorer(), Expansion(expand),
                   json, notExpanded);
         json.EndArray();
-        WriteNotExpanded(json, notExpanded);
+        cli::WriteNotExpanded(json, notExpanded);
         json.EndObject();
     }
     text << '\n';
