@@ -136,7 +136,8 @@ docAddin::docAddin(HWND parent, commands::FrontEnd& frontEnd, explorer::UiServic
 
 docAddin::~docAddin() {
     EndDrag(false, {});
-    tree_->SetPictures(nullptr, nullptr);
+    // The control lets go of the list before it is freed; its items keep their indexes.
+    TreeView_SetImageList(tree_->hWnd(), nullptr, TVSIL_NORMAL);
     if (pictures_ != nullptr) ImageList_Destroy(pictures_);
     dispatcher_.reset();
     contextMenus_.reset();
