@@ -8,6 +8,7 @@
 
 #include "base/utf8.h"
 #include "cli/json_writer.h"
+#include "cli/tree_json.h"
 #include "explorer/node_keys.h"
 #include "windows/registry/ansi_text.h"
 #include "windows/screenshot/screen_capture.h"
@@ -40,23 +41,24 @@ struct Expansion {
     }
 };
 
-// What the control itself holds for an item.
+// What the control itself holds for an item; the image is the model's number for the node (the
+// control shows the icon chosen for it, which says less).
 struct ItemState {
     std::string text;
     std::optional<std::int32_t> image;
     bool bold = false;
 };
 
-ItemState ReadItem(HWND tree, HTREEITEM handle) {
+ItemState ReadItem(HWND tree, HTREEITEM handle, const tree::Node* node) {
     wchar_t buffer[1024] = L"";
     TVITEMW item{};
-    item.mask = TVIF_HANDLE | TVIF_TEXT | TVIF_IMAGE | TVIF_STATE;
+    item.mask = TVIF_HANDLE | TVIF_TEXT | TVIF_STATE;
     item.hItem = handle;
     item.stateMask = TVIS_BOLD;
     item.pszText = buffer;
     item.cchTextMax = static_cast<int>(std::size(buffer));
     SendMessageW(tree, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
-    return {windows::WideToUtf8(item.pszText), windows::ModelImage(item.iImage),
+    return {windows::WideToUtf8(item.pszText), node != nullptr ? node->Image() : std::nullopt,
             (item.state & TVIS_BOLD) != 0};
 }
 
@@ -100,10 +102,24 @@ void WriteItem(cli::JsonWriter& json, const ItemState& state, const tree::Node& 
     json.BeginArray();
 }
 
+// Opens a component as a click on its button does; the explorer says why when it cannot.
+void Open(windows::TreeControl& tree, explorer::ProjectExplorer* explorer, tree::Node& node,
+          std::vector<cli::NotExpandedComponent>& notExpanded) {
+    if (explorer == nullptr) {
+        PressOn(tree.hWnd(), ItemOf(tree, node.Key()), VK_RIGHT);
+        return;
+    }
+    const explorer::Outcome outcome = explorer->ExpandNode(node);
+    Settle();
+    if (!outcome.done()) notExpanded.push_back({node.Key(), node.Text(), outcome.message()});
+}
+
 // Depth first without recursion; a component that is asked for is opened when it is reached
 // and closed again once its code is written, so only one code tree at a time counts against
 // the tree's node limit.
-void WriteTree(windows::TreeControl& tree, const Expansion& expansion, cli::JsonWriter& json) {
+void WriteTree(windows::TreeControl& tree, explorer::ProjectExplorer* explorer,
+               const Expansion& expansion, cli::JsonWriter& json,
+               std::vector<cli::NotExpandedComponent>& notExpanded) {
     const HWND control = tree.hWnd();
     struct Frame {
         std::string key;
@@ -114,12 +130,12 @@ void WriteTree(windows::TreeControl& tree, const Expansion& expansion, cli::Json
     while (true) {
         if (item != nullptr) {
             const tree::NodeRef node = tree.NodeOf(item);
-            ItemState state = ReadItem(control, item);
+            ItemState state = ReadItem(control, item, node.get());
             const bool opened = node && expansion.Wants(*node, state.image);
             if (opened) {
-                PressOn(control, item, VK_RIGHT);
+                Open(tree, explorer, *node, notExpanded);
                 item = ItemOf(tree, node->Key());
-                state = ReadItem(control, item);
+                state = ReadItem(control, item, tree.NodeOf(item).get());
             }
             if (node) WriteItem(json, state, *node);
             frames.push_back({node ? node->Key() : std::string(), opened});
@@ -305,8 +321,11 @@ bool DumpTree(MainWindow& window, const std::string& expand, const std::filesyst
         json.BeginObject();
         json.Key("nodes");
         json.BeginArray();
-        WriteTree(window.Document().treMain(), Expansion(expand), json);
+        std::vector<cli::NotExpandedComponent> notExpanded;
+        WriteTree(window.Document().treMain(), window.Document().Explorer(), Expansion(expand),
+                  json, notExpanded);
         json.EndArray();
+        cli::WriteNotExpanded(json, notExpanded);
         json.EndObject();
     }
     text << '\n';

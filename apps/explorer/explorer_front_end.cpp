@@ -1,15 +1,17 @@
 // The standalone explorer's side of the commands.
 #include "explorer_front_end.h"
 
-#include <shellapi.h>
-
 #include <exception>
 
+#include "base/vb_error.h"
 #include "disk/codepage.h"
 #include "disk/component_file.h"
 #include "disk/file_io.h"
 #include "disk/vb_path.h"
 #include "editor_launch.h"
+#include "windows/dialogs/about_box.h"
+#include "windows/dialogs/help.h"
+#include "windows/dialogs/properties_dialog.h"
 #include "windows/registry/ansi_text.h"
 
 namespace arbolet::explorer_app {
@@ -28,21 +30,26 @@ void Tell(HWND owner, const std::wstring& text) {
 
 }  // namespace
 
+// A registry that cannot be read or written is reported; the options stay as they were.
 void ExplorerFrontEnd::ShowProperties() {
-    Tell(window_,
-         L"The display options are kept in the registry with the add-in's; this build of the "
-         L"explorer has no options dialog.");
+    bool changed = false;
+    try {
+        changed = windows::dialogs::ShowPropertiesDialog(window_);
+    } catch (const VbError& error) {
+        Tell(window_, windows::Utf8ToWide(error.Description));
+        return;
+    }
+    if (changed && OptionsChanged) OptionsChanged();
 }
 
 void ExplorerFrontEnd::ShowAbout() {
-    Tell(window_, L"Arbolet Explorer\r\nVisual Basic 6 projects as trees.");
+    windows::dialogs::ShowAboutBox(window_);
 }
 
 void ExplorerFrontEnd::ShowHelp() {
-    const std::wstring file = windows::Utf8ToWide(helpFile_);
-    const auto result = reinterpret_cast<INT_PTR>(
-        ShellExecuteW(window_, L"open", file.c_str(), nullptr, nullptr, SW_SHOWNORMAL));
-    if (result <= 32) Tell(window_, L"Cannot open the help file " + file + L".");
+    if (!windows::dialogs::ShowHelp(window_, helpFile_)) {
+        Tell(window_, L"Cannot open the help file " + windows::Utf8ToWide(helpFile_) + L".");
+    }
 }
 
 void ExplorerFrontEnd::Hide() {

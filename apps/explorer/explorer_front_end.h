@@ -1,10 +1,12 @@
 // What the commands ask of the standalone explorer: View Code, View Object and Goto open the
 // component's file in the user's editor at the right line of the file; Hide minimises the
-// window; Help opens the help file beside the program; the about box names the program.
+// window; Help opens the help file beside the program; the options dialog and the about box
+// are Arbolet's own.
 #pragma once
 
 #include <windows.h>
 
+#include <functional>
 #include <string>
 
 #include "commands/front_end.h"
@@ -15,6 +17,8 @@ class ExplorerFrontEnd final : public commands::FrontEnd {
   public:
     explicit ExplorerFrontEnd(HWND window) noexcept : window_(window) {}
     void HelpFile(std::string file) { helpFile_ = std::move(file); }
+    // After OK in the options dialog, for the code trees on show to follow the new options.
+    std::function<void()> OptionsChanged;
 
     void ShowProperties() override;
     void ShowAbout() override;

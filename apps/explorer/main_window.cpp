@@ -24,6 +24,9 @@ enum CommandId : UINT {
     kSave,
     kExit,
     kEditor,
+    kDisplayOptions,
+    kHelpContents,
+    kAbout,
     kRecentFirst = 200,  // kRecentFirst + n opens recent file n
 };
 
@@ -43,6 +46,7 @@ HACCEL CreateAccelerators() {
     ACCEL keys[] = {
         {FCONTROL | FVIRTKEY, 'O', kOpen},
         {FCONTROL | FVIRTKEY, 'S', kSave},
+        {FVIRTKEY, VK_F1, kHelpContents},
     };
     return CreateAcceleratorTableW(keys, static_cast<int>(std::size(keys)));
 }
@@ -194,8 +198,13 @@ void MainWindow::BuildMenu() {
     AppendMenuW(file, MF_STRING, kExit, L"E&xit");
     AppendMenuW(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(file), L"&File");
     const HMENU options = CreatePopupMenu();
+    AppendMenuW(options, MF_STRING, kDisplayOptions, L"&Display Options...");
     AppendMenuW(options, MF_STRING, kEditor, L"&Editor...");
     AppendMenuW(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(options), L"&Options");
+    const HMENU help = CreatePopupMenu();
+    AppendMenuW(help, MF_STRING, kHelpContents, L"&Contents\tF1");
+    AppendMenuW(help, MF_STRING, kAbout, L"&About Arbolet...");
+    AppendMenuW(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(help), L"&Help");
     const HMENU old = GetMenu(hWnd_);
     SetMenu(hWnd_, bar);
     if (old != nullptr) DestroyMenu(old);
@@ -254,6 +263,15 @@ void MainWindow::OnCommand(UINT id) {
         case kEditor:
             AskForEditor();
             return;
+        case kDisplayOptions:
+            frontEnd_->ShowProperties();
+            return;
+        case kHelpContents:
+            frontEnd_->ShowHelp();
+            return;
+        case kAbout:
+            frontEnd_->ShowAbout();
+            return;
         default:
             break;
     }
@@ -285,6 +303,7 @@ LRESULT MainWindow::Handle(UINT iMsg, WPARAM wParam, LPARAM lParam) {
             frontEnd_ = std::make_unique<ExplorerFrontEnd>(hWnd_);
             document_ = std::make_unique<windows::docAddin>(hWnd_, *frontEnd_, ui_);
             frontEnd_->HelpFile(document_->HelpFile());
+            frontEnd_->OptionsChanged = [this] { document_->RebuildCodeTrees(); };
             document_->ProjectFilesDropped = [this](const std::vector<std::filesystem::path>& f) {
                 Open(f);
             };
@@ -302,6 +321,7 @@ LRESULT MainWindow::Handle(UINT iMsg, WPARAM wParam, LPARAM lParam) {
             SetWindowPos(hWnd_, nullptr, suggested->left, suggested->top,
                          suggested->right - suggested->left, suggested->bottom - suggested->top,
                          SWP_NOZORDER | SWP_NOACTIVATE);
+            if (document_) document_->UpdatePictures();
             return 0;
         }
         case WM_DROPFILES: {

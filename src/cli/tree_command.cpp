@@ -13,6 +13,7 @@
 #include "cli/json_writer.h"
 #include "cli/project_loading.h"
 #include "cli/terminal_style.h"
+#include "cli/tree_json.h"
 #include "cli/tree_watch.h"
 #include "disk/file_io.h"
 #include "explorer/node_keys.h"
@@ -92,12 +93,7 @@ class TreeRenderer {
     }
 
     // Components asked for that stayed closed (over the line limit, or unreadable).
-    struct NotExpanded {
-        std::string name;
-        std::string key;
-        std::string reason;
-    };
-    const std::vector<NotExpanded>& NotExpandedComponents() const { return notExpanded_; }
+    const std::vector<NotExpandedComponent>& NotExpandedComponents() const { return notExpanded_; }
 
   protected:
     virtual bool SkipsPlaceholders() const = 0;
@@ -107,11 +103,11 @@ class TreeRenderer {
   private:
     bool Expand(explorer::ProjectExplorer& explorer, tree::Node& node) {
         const auto outcome = explorer.ExpandNode(node);
-        if (!outcome.done()) notExpanded_.push_back({node.Text(), node.Key(), outcome.message()});
+        if (!outcome.done()) notExpanded_.push_back({node.Key(), node.Text(), outcome.message()});
         return outcome.done();
     }
 
-    std::vector<NotExpanded> notExpanded_;
+    std::vector<NotExpandedComponent> notExpanded_;
 };
 
 // Components show collapsed unless expanded, so their "Code List" placeholders are not drawn.
@@ -183,22 +179,6 @@ void ReportNotExpanded(CliContext& context, const TreeRenderer& renderer) {
     context.Fail(kExitFindings);
 }
 
-void WriteNotExpanded(JsonWriter& json, const TreeRenderer& renderer) {
-    json.Key("notExpanded");
-    json.BeginArray();
-    for (const auto& component : renderer.NotExpandedComponents()) {
-        json.BeginObject();
-        json.Key("key");
-        json.String(component.key);
-        json.Key("name");
-        json.String(component.name);
-        json.Key("reason");
-        json.String(component.reason);
-        json.EndObject();
-    }
-    json.EndArray();
-}
-
 void RenderTree(CliContext& context, LoadedTree& loaded, const TreeOptions& options) {
     const ExpandChoice choice(options.expand);
     const tree::NodeRef first = tree::FirstRoot(loaded.view.Nodes());
@@ -210,7 +190,7 @@ void RenderTree(CliContext& context, LoadedTree& loaded, const TreeOptions& opti
         JsonRenderer renderer(json);
         renderer.Render(loaded.explorer, first, choice);
         json.EndArray();
-        WriteNotExpanded(json, renderer);
+        WriteNotExpanded(json, renderer.NotExpandedComponents());
         json.EndObject();
         context.out << '\n';
         ReportNotExpanded(context, renderer);

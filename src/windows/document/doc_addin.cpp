@@ -9,7 +9,9 @@
 #include "base/utf8.h"
 #include "base/vb_error.h"
 #include "explorer/node_keys.h"
+#include "windows/document/node_pictures.h"
 #include "windows/document/win32_ui.h"
+#include "windows/icons/tree_icons.h"
 #include "windows/options/registry_display_options.h"
 #include "windows/registry/ansi_text.h"
 
@@ -127,12 +129,16 @@ docAddin::docAddin(HWND parent, commands::FrontEnd& frontEnd, explorer::UiServic
         SendMessageW(tips, TTM_SETMAXTIPWIDTH, 0,
                      MulDiv(400, static_cast<int>(WindowDpi(hWnd_)), 96));
     helpFile_ = HelpFilePath(OwnFolder());
+    UpdatePictures();
     ConnectTreeEvents();
     LayOut();
 }
 
 docAddin::~docAddin() {
     EndDrag(false, {});
+    // The control lets go of the list before it is freed; its items keep their indexes.
+    TreeView_SetImageList(tree_->hWnd(), nullptr, TVSIL_NORMAL);
+    if (pictures_ != nullptr) ImageList_Destroy(pictures_);
     dispatcher_.reset();
     contextMenus_.reset();
     explorer_.reset();
@@ -140,6 +146,35 @@ docAddin::~docAddin() {
     if (IsWindow(hWnd_)) {
         SetWindowLongPtrW(hWnd_, GWLP_USERDATA, 0);
         DestroyWindow(hWnd_);
+    }
+}
+
+void docAddin::UpdatePictures() {
+    HIMAGELIST previous = pictures_;
+    pictures_ = icons::CreateTreeImageList(WindowDpi(hWnd_));
+    tree_->SetPictures(pictures_, [this](const TreeItemNode& node) {
+        return TreeIconIndexOf(LookOf(node, vbe_.get()));
+    });
+    if (previous != nullptr) ImageList_Destroy(previous);
+}
+
+// Each component whose code is on show is closed and opened again, so that its code tree is
+// built anew with the options as they are now.
+void docAddin::RebuildCodeTrees() {
+    if (!explorer_) return;
+    tree::Nodes& nodes = tree_->Nodes();
+    std::vector<std::string> open;
+    for (std::int32_t i = 1; i <= nodes.Count(); ++i) {
+        const tree::NodeRef node = nodes.Item(i);
+        if (node->Kind() == tree::NodeKind::Component && node->Expanded())
+            open.push_back(node->Key());
+    }
+    const tree::UpdateScope update(*tree_);
+    for (const std::string& key : open) {
+        if (!nodes.Exists(key)) continue;
+        const tree::NodeRef node = nodes.Item(key);
+        explorer_->CollapseNode(*node);
+        explorer_->ExpandNode(*node);
     }
 }
 
@@ -224,6 +259,13 @@ void docAddin::RunCommand(const std::function<explorer::Outcome()>& command) {
         // The command has said what went wrong, or there was nothing to say.
     }
     if (Edited) Edited();
+}
+
+void docAddin::RunMenuCommand(std::string_view key) {
+    if (!dispatcher_) return;
+    const tree::NodeRef selected = tree_->SelectedItem();
+    const std::string nodeKey = selected ? selected->Key() : std::string();
+    RunCommand([&] { return dispatcher_->Run(key, 0, nodeKey); });
 }
 
 void docAddin::Resize(int left, int top, int width, int height) {

@@ -58,6 +58,12 @@ class docAddin final {
     // The explorer working on the tree, nullptr before the first Show with an environment.
     explorer::ProjectExplorer* Explorer() noexcept { return explorer_.get(); }
 
+    // Shows Arbolet's icons at the window's current DPI; again after the DPI changed.
+    void UpdatePictures();
+
+    // Builds the code trees on show again, after the display options changed.
+    void RebuildCodeTrees();
+
     // Show: the full reload when an environment is set.
     void Show();
     // Resize: places the document in its parent's client area and lays out its children.
@@ -68,6 +74,9 @@ class docAddin final {
     // command runs before it returns. False when there is no menu to show.
     bool ShowTreeMenu(const tree::Node* node, POINT screen);
     bool ShowBackgroundMenu(POINT screen);
+    // Runs a menu item's command by its key ("ShowProperties", ...) on the selected node, as
+    // choosing the item does; nothing happens before the first Show with an environment.
+    void RunMenuCommand(std::string_view key);
 
     // After the user changed the projects through the tree (a rename, a move, dropped files),
     // for a host that saves them itself.
@@ -100,6 +109,7 @@ class docAddin final {
     HWND cmdCode_ = nullptr;
     HWND cmdForm_ = nullptr;
     HFONT font_ = nullptr;
+    HIMAGELIST pictures_ = nullptr;
     cPopupMenu menu_;
     std::string helpFile_;
     std::unique_ptr<explorer::UiServices> ownUi_;

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "base/vb_error.h"
 #include "windows/registry/ansi_text.h"
@@ -104,6 +105,8 @@ void TreeItemNode::SetBold(bool bold) {
     item.state = bold ? TVIS_BOLD : 0;
     SetItem(TVIF_STATE, item);
     bold_ = bold;
+    // The start-up project is bold and has a picture of its own.
+    Owner().ShowPicture(*this);
 }
 
 std::optional<std::int32_t> TreeItemNode::Image() const {
@@ -112,12 +115,9 @@ std::optional<std::int32_t> TreeItemNode::Image() const {
 }
 
 void TreeItemNode::SetImage(std::optional<std::int32_t> image) {
-    Owner();
-    TVITEMW item{};
-    item.iImage = ControlImage(image);
-    item.iSelectedImage = item.iImage;
-    SetItem(TVIF_IMAGE | TVIF_SELECTEDIMAGE, item);
+    TreeControl& owner = Owner();
     image_ = image;
+    owner.ShowPicture(*this);
 }
 
 std::int32_t TreeItemNode::ForeColor() const {
@@ -154,6 +154,7 @@ bool TreeItemNode::Expanded() const {
 void TreeItemNode::SetExpanded(bool expanded) {
     TreeControl& owner = Owner();
     expanded_ = expanded;
+    owner.ShowPicture(*this);
     owner.SyncExpanded(*this);
 }
 
@@ -175,6 +176,7 @@ void TreeItemNode::EnsureVisible() {
     for (TreeItemNode* up = parent_; up != nullptr; up = up->parent_) {
         if (!up->expanded_) {
             up->expanded_ = true;
+            owner.ShowPicture(*up);
             owner.SyncExpanded(*up);
         }
     }
@@ -238,6 +240,25 @@ TreeControl::~TreeControl() {
     for (auto& node : nodes_)
         node->owner_ = nullptr;
     if (IsWindow(hWnd_)) DestroyWindow(hWnd_);
+}
+
+void TreeControl::SetPictures(HIMAGELIST list, PictureChooser chooser) {
+    chooser_ = std::move(chooser);
+    TreeView_SetImageList(hWnd_, list, TVSIL_NORMAL);
+    for (auto& node : nodes_) {
+        if (node->owner_ != nullptr) ShowPicture(*node);
+    }
+}
+
+int TreeControl::PictureOf(const TreeItemNode& node) const {
+    return chooser_ ? chooser_(node) : ControlImage(node.image_);
+}
+
+void TreeControl::ShowPicture(TreeItemNode& node) {
+    TVITEMW item{};
+    item.iImage = PictureOf(node);
+    item.iSelectedImage = item.iImage;
+    node.SetItem(TVIF_IMAGE | TVIF_SELECTEDIMAGE, item);
 }
 
 tree::NodeRef TreeControl::SelectedItem() const {
@@ -367,7 +388,7 @@ tree::NodeRef TreeControl::Add(const tree::Node* relative, tree::Relationship re
     insert.hInsertAfter = after == kAtEnd ? TVI_LAST : after != nullptr ? after->item_ : TVI_FIRST;
     insert.item.mask = TVIF_TEXT | TVIF_IMAGE | TVIF_SELECTEDIMAGE | TVIF_PARAM;
     insert.item.pszText = wide.data();
-    insert.item.iImage = ControlImage(image);
+    insert.item.iImage = PictureOf(*node);
     insert.item.iSelectedImage = insert.item.iImage;
     insert.item.lParam = reinterpret_cast<LPARAM>(node.get());
     {
@@ -530,6 +551,7 @@ LRESULT TreeControl::OnNotify(const NMHDR& header) {
             TreeItemNode* node = NodeAt(change.itemNew.hItem);
             if (quiet_ > 0 || node == nullptr || (change.action & TVE_COLLAPSE) == 0) return 0;
             node->expanded_ = false;
+            ShowPicture(*node);
             if (events_.Collapse) events_.Collapse(*node);
             return 0;
         }
@@ -575,6 +597,7 @@ LRESULT TreeControl::OnItemExpanding(const NMTREEVIEWW& change) {
     TreeItemNode* node = NodeAt(change.itemNew.hItem);
     if (quiet_ > 0 || node == nullptr || (change.action & TVE_EXPAND) == 0) return FALSE;
     node->expanded_ = true;
+    ShowPicture(*node);
     // The control opens the item itself once the handler is done.
     expanding_ = node;
     if (events_.Expand) events_.Expand(*node);

@@ -124,6 +124,13 @@ class TreeControl final : public tree::TreeView, private tree::Nodes {
 
     // The node of an item of the control, nullptr for none.
     tree::NodeRef NodeOf(HTREEITEM item) const;
+    // Chooses the image-list index an item shows (I_IMAGENONE for none) from what its node is.
+    using PictureChooser = std::function<int(const TreeItemNode& node)>;
+    // Shows the pictures of `list` (owned by the caller, who keeps it alive while it is shown),
+    // chosen for every item by `chooser`; items are updated when their picture, bold state or
+    // expansion changes. Without a chooser an item shows the model's image counted from 0.
+    void SetPictures(HIMAGELIST list, PictureChooser chooser);
+
     // The node at a point of the control's client area, nullptr on empty space.
     tree::NodeRef HitTest(POINT client) const;
     // Starts editing the label of a node, as a slow second click does.
@@ -180,6 +187,8 @@ class TreeControl final : public tree::TreeView, private tree::Nodes {
     void SyncExpanded(TreeItemNode& node);
     void ScrollTo(TreeItemNode& node);
     void FlushPending();
+    int PictureOf(const TreeItemNode& node) const;
+    void ShowPicture(TreeItemNode& node);
     LRESULT OnCustomDraw(NMTVCUSTOMDRAW& draw) const;
     void OnGetInfoTip(NMTVGETINFOTIPW& tip) const;
     LRESULT OnItemExpanding(const NMTREEVIEWW& change);
@@ -187,6 +196,7 @@ class TreeControl final : public tree::TreeView, private tree::Nodes {
 
     HWND hWnd_ = nullptr;
     TreeControlEvents events_;
+    PictureChooser chooser_;
     std::vector<std::shared_ptr<TreeItemNode>> nodes_;
     std::unordered_map<std::string, TreeItemNode*, KeyHash, std::equal_to<>> byKey_;
     TreeItemNode* firstRoot_ = nullptr;

@@ -56,7 +56,9 @@ TEST_F(ExplorerTreeTest, ExpandingAComponentShowsItsErrorNodesInRed) {
     }
     EXPECT_GE(errors, 3) << "modLegacy has a lost End If, crossed Next and a stray End If";
 
-    // The last error made visible is on the screen, drawn in red by the custom draw.
+    // Scrolled to the top, the picture shows the project's icons above the open component; its
+    // errors are drawn in red by the custom draw.
+    SendMessageW(Tree().hWnd(), WM_VSCROLL, SB_TOP, 0);
     UpdateWindow(window_->hWnd());
     windows::testing::PumpMessagesFor(200);
     const windows::RgbImage picture =
