@@ -13,10 +13,10 @@
 #include <string>
 
 #include "addin/addin_dll.h"
-#include "support/png_file.h"
 #include "support/screen_capture.h"
 #include "support/test_window.h"
 #include "windows/com/com_ptr.h"
+#include "windows/screenshot/png_file.h"
 
 namespace arbolet::windows {
 namespace {
@@ -26,7 +26,6 @@ using testing::CaptureScreen;
 using testing::CountPixels;
 using testing::PumpMessagesFor;
 using testing::Regsvr32;
-using testing::RgbImage;
 
 using AtlAxWinInitFunction = BOOL(WINAPI*)();
 using AtlAxCreateControlFunction = HRESULT(WINAPI*)(LPCOLESTR, HWND, IStream*, IUnknown**);
@@ -119,7 +118,7 @@ TEST_F(ControlInAtlHost, IsCreatedByProgIdActivatedInPlaceFollowsItsSiteAndDraws
 
     HWND control = FindDescendant(frame_, L"ArboletToolWindowControl");
     ASSERT_NE(control, nullptr) << "the control made its window inside the host";
-    HWND document = FindDescendant(control, L"ArboletPlainDocument");
+    HWND document = FindDescendant(control, L"ArboletDocument");
     ASSERT_NE(document, nullptr) << "the document lives in the control's window";
     EXPECT_TRUE(IsWindowVisible(control));
     EXPECT_EQ(ClientSize(control).cx, ClientSize(host).cx);
@@ -148,9 +147,7 @@ TEST_F(ControlInAtlHost, IsCreatedByProgIdActivatedInPlaceFollowsItsSiteAndDraws
     GetWindowRect(frame_, &area);
     const RgbImage picture = CaptureScreen(area);
     ASSERT_GT(picture.width, 0);
-    ASSERT_TRUE(testing::WritePng("artifacts/addin_tool_window.png", picture));
-    std::printf("tool window picture: artifacts/addin_tool_window.png (%dx%d)\n", picture.width,
-                picture.height);
+    ASSERT_TRUE(testing::SaveArtifact("addin_tool_window.png", picture));
     EXPECT_GT(CountPixels(picture, GetSysColor(COLOR_WINDOWTEXT)), 20)
         << "the document's text is on the screen";
 
