@@ -2,15 +2,21 @@
 # project, and fails unless the tool window's tree has the same nodes: the same texts with the
 # same children, in the same order. Called with -D: VB6HOST and ARBOLET (commands, as lists),
 # PROJECT, DUMP (the file vb6host writes), EXPAND (optional, one component's name), and
-# EXPECT (texts that must be in the tree, as a list).
+# EXPECT (texts that must be in the tree, as a list), SCREENSHOT (optional, a PNG of the IDE with
+# the tree as dumped).
 cmake_minimum_required(VERSION 3.19)
 
 set(expandArguments)
 if(EXPAND)
     set(expandArguments --expand ${EXPAND})
 endif()
+set(screenshotArguments)
+if(SCREENSHOT)
+    set(screenshotArguments --screenshot ${SCREENSHOT})
+endif()
 file(REMOVE ${DUMP})
-execute_process(COMMAND ${VB6HOST} --connect-mode 1 --dump-tree ${DUMP} ${expandArguments} ${PROJECT}
+execute_process(COMMAND ${VB6HOST} --connect-mode 1 --dump-tree ${DUMP} ${expandArguments}
+                        ${screenshotArguments} ${PROJECT}
                 OUTPUT_VARIABLE hostOutput ERROR_VARIABLE hostOutput)
 if(NOT hostOutput MATCHES "vb6host: all steps passed")
     message(FATAL_ERROR "vb6host did not pass:\n${hostOutput}")
