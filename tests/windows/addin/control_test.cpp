@@ -36,22 +36,24 @@ Function Resolve(HMODULE module, const char* name) {
     return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
 }
 
+struct ClassSearch {
+    const wchar_t* className;
+    HWND found;
+};
+
+// A named CALLBACK, not a lambda: the 32-bit build needs the stdcall convention.
+BOOL CALLBACK MatchClass(HWND hwnd, LPARAM data) {
+    auto* search = reinterpret_cast<ClassSearch*>(data);
+    wchar_t name[64] = {};
+    GetClassNameW(hwnd, name, 64);
+    if (wcscmp(name, search->className) != 0) return TRUE;
+    search->found = hwnd;
+    return FALSE;
+}
+
 HWND FindDescendant(HWND parent, const wchar_t* className) {
-    struct Search {
-        const wchar_t* className;
-        HWND found;
-    } search{className, nullptr};
-    EnumChildWindows(
-        parent,
-        [](HWND hwnd, LPARAM data) -> BOOL {
-            auto* s = reinterpret_cast<Search*>(data);
-            wchar_t name[64] = {};
-            GetClassNameW(hwnd, name, 64);
-            if (wcscmp(name, s->className) != 0) return TRUE;
-            s->found = hwnd;
-            return FALSE;
-        },
-        reinterpret_cast<LPARAM>(&search));
+    ClassSearch search{className, nullptr};
+    EnumChildWindows(parent, &MatchClass, reinterpret_cast<LPARAM>(&search));
     return search.found;
 }
 
