@@ -1,19 +1,12 @@
-// The factory of the tool-window document.
+// The document the tool-window control hosts: the project tree over the IDE.
 #include "windows/addin/tool_window_document.h"
 
-#include "windows/addin/plain_document.h"
+#include "windows/addin/ide_document.h"
 
 namespace arbolet::windows::addin {
-namespace {
-DocumentFactory g_factory = nullptr;
-}  // namespace
-
-void SetDocumentFactory(DocumentFactory factory) noexcept {
-    g_factory = factory;
-}
 
 std::unique_ptr<ToolWindowDocument> CreateDocument() {
-    return g_factory != nullptr ? g_factory() : CreatePlainDocument();
+    return CreateIdeDocument();
 }
 
 }  // namespace arbolet::windows::addin

@@ -34,9 +34,7 @@ class ToolWindowDocument {
     virtual void Unload() = 0;
 };
 
-using DocumentFactory = std::unique_ptr<ToolWindowDocument> (*)();
-// The factory the control uses for its document; the DLL sets it once at load.
-void SetDocumentFactory(DocumentFactory factory) noexcept;
+// The document the control hosts.
 std::unique_ptr<ToolWindowDocument> CreateDocument();
 
 }  // namespace arbolet::windows::addin

@@ -13,10 +13,10 @@
 #include <string>
 
 #include "addin/addin_dll.h"
-#include "windows/screenshot/png_file.h"
 #include "support/screen_capture.h"
 #include "support/test_window.h"
 #include "windows/com/com_ptr.h"
+#include "windows/screenshot/png_file.h"
 
 namespace arbolet::windows {
 namespace {
@@ -26,7 +26,6 @@ using testing::CaptureScreen;
 using testing::CountPixels;
 using testing::PumpMessagesFor;
 using testing::Regsvr32;
-using testing::RgbImage;
 
 using AtlAxWinInitFunction = BOOL(WINAPI*)();
 using AtlAxCreateControlFunction = HRESULT(WINAPI*)(LPCOLESTR, HWND, IStream*, IUnknown**);
@@ -37,22 +36,24 @@ Function Resolve(HMODULE module, const char* name) {
     return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
 }
 
+struct ClassSearch {
+    const wchar_t* className;
+    HWND found;
+};
+
+// A named CALLBACK, not a lambda: the 32-bit build needs the stdcall convention.
+BOOL CALLBACK MatchClass(HWND hwnd, LPARAM data) {
+    auto* search = reinterpret_cast<ClassSearch*>(data);
+    wchar_t name[64] = {};
+    GetClassNameW(hwnd, name, 64);
+    if (wcscmp(name, search->className) != 0) return TRUE;
+    search->found = hwnd;
+    return FALSE;
+}
+
 HWND FindDescendant(HWND parent, const wchar_t* className) {
-    struct Search {
-        const wchar_t* className;
-        HWND found;
-    } search{className, nullptr};
-    EnumChildWindows(
-        parent,
-        [](HWND hwnd, LPARAM data) -> BOOL {
-            auto* s = reinterpret_cast<Search*>(data);
-            wchar_t name[64] = {};
-            GetClassNameW(hwnd, name, 64);
-            if (wcscmp(name, s->className) != 0) return TRUE;
-            s->found = hwnd;
-            return FALSE;
-        },
-        reinterpret_cast<LPARAM>(&search));
+    ClassSearch search{className, nullptr};
+    EnumChildWindows(parent, &MatchClass, reinterpret_cast<LPARAM>(&search));
     return search.found;
 }
 
@@ -119,7 +120,7 @@ TEST_F(ControlInAtlHost, IsCreatedByProgIdActivatedInPlaceFollowsItsSiteAndDraws
 
     HWND control = FindDescendant(frame_, L"ArboletToolWindowControl");
     ASSERT_NE(control, nullptr) << "the control made its window inside the host";
-    HWND document = FindDescendant(control, L"ArboletPlainDocument");
+    HWND document = FindDescendant(control, L"ArboletDocument");
     ASSERT_NE(document, nullptr) << "the document lives in the control's window";
     EXPECT_TRUE(IsWindowVisible(control));
     EXPECT_EQ(ClientSize(control).cx, ClientSize(host).cx);
@@ -148,9 +149,7 @@ TEST_F(ControlInAtlHost, IsCreatedByProgIdActivatedInPlaceFollowsItsSiteAndDraws
     GetWindowRect(frame_, &area);
     const RgbImage picture = CaptureScreen(area);
     ASSERT_GT(picture.width, 0);
-    ASSERT_TRUE(testing::WritePng("artifacts/addin_tool_window.png", picture));
-    std::printf("tool window picture: artifacts/addin_tool_window.png (%dx%d)\n", picture.width,
-                picture.height);
+    ASSERT_TRUE(testing::SaveArtifact("addin_tool_window.png", picture));
     EXPECT_GT(CountPixels(picture, GetSysColor(COLOR_WINDOWTEXT)), 20)
         << "the document's text is on the screen";
 

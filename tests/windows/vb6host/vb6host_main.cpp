@@ -16,7 +16,6 @@
 #include <vector>
 
 #include "disk/vb_path.h"
-#include "windows/screenshot/png_file.h"
 #include "support/screen_capture.h"
 #include "vb6host/addin_session.h"
 #include "vb6host/host_context.h"
@@ -25,6 +24,7 @@
 #include "vb6host/tool_window.h"
 #include "vb6host/tree_dump.h"
 #include "windows/registry/ansi_text.h"
+#include "windows/screenshot/png_file.h"
 
 namespace arbolet::vb6host {
 namespace {
@@ -207,48 +207,40 @@ void ShowAndHide(Session& session, AddInConnection& connection, Report& report) 
 }
 
 // Adds and removes a component and a project through the IDE's own commands, so that the
-// add-in receives the events; the tree follows when the tool window has one.
+// add-in receives the events, and checks that the tree follows each change.
 void ChangeProjects(Session& session, Report& report) {
     HostContext& context = *session.context;
     disk::DiskEnvironment& environment = context.Environment();
     const std::size_t sinks = environment.Events()->VBProjectsEvents()->ConnectionCount();
     HWND tree = TheToolWindow(context) ? FindTreeView(TheToolWindow(context)->Client()) : nullptr;
-    // A document without a tree has nothing to keep current; one with a tree must listen.
-    if (tree) {
-        report.Check(sinks > 0, "the add-in listens to the project events");
-    } else {
-        report.Note("the tool window has no tree view; the add-in has " + std::to_string(sinks) +
-                    " project event sinks");
-    }
+    if (!report.Check(tree != nullptr, "the tool window holds a tree view")) return;
+    report.Check(sinks > 0, "the add-in listens to the project events");
     const auto project = environment.ActiveVBProject();
-    if (!project) return;
+    if (!report.Check(project != nullptr, "a project is active")) return;
+    report.Check(HasNodeText(tree, windows::Utf8ToWide(project->Name())),
+                 "the tree shows the project " + project->Name());
     const CommandBarRef menu = context.Bars().FindBar(L"Project");
     const int before = project->VBComponents()->Count();
     report.Check(session.main->ChooseMenuItem(menu->controls->FindByCaption(L"Add Module")) &&
                      project->VBComponents()->Count() == before + 1,
                  "Project > Add Module adds a module");
     const auto added = context.SelectedComponent();
-    if (tree && added) {
-        report.Check(HasNodeText(tree, windows::Utf8ToWide(added->Name())),
-                     "the tree shows the new module");
-    }
+    const std::wstring addedName = added ? windows::Utf8ToWide(added->Name()) : std::wstring();
+    report.Check(added && HasNodeText(tree, addedName), "the tree shows the new module");
     report.Check(session.main->ChooseMenuItem(menu->controls->FindByCaption(L"Remove")) &&
                      project->VBComponents()->Count() == before,
                  "Project > Remove removes it again");
-    if (tree && added) {
-        report.Check(!HasNodeText(tree, windows::Utf8ToWide(added->Name())),
-                     "the tree no longer shows it");
-    }
+    report.Check(added && !HasNodeText(tree, addedName), "the tree no longer shows it");
     const std::string file = project->FileName();
     const std::string name = project->Name();
     try {
         environment.RemoveProject(project);
-        report.Check(!tree || !HasNodeText(tree, windows::Utf8ToWide(name)),
+        report.Check(!HasNodeText(tree, windows::Utf8ToWide(name)),
                      "removing the project " + name + " takes it from the tree");
         environment.AddFromFile(disk::PathFromUtf8(file));
         environment.SetActiveVBProject(
             environment.VBProjects()->Item(environment.VBProjects()->Count()));
-        report.Check(!tree || HasNodeText(tree, windows::Utf8ToWide(name)),
+        report.Check(HasNodeText(tree, windows::Utf8ToWide(name)),
                      "opening " + name + " again puts it back");
     } catch (const std::exception& error) {
         report.Check(false, std::string("removing and adding the project: ") + error.what());
@@ -282,9 +274,8 @@ void Screenshot(Session& session, const Options& options, Report& report) {
     RECT bounds;
     GetWindowRect(session.main->Handle(), &bounds);
     const auto image = windows::testing::CaptureScreen(bounds);
-    report.Check(
-        image.width > 0 && windows::testing::WritePng(WideToUtf8(options.screenshot), image),
-        "screenshot " + WideToUtf8(options.screenshot));
+    report.Check(image.width > 0 && windows::WritePng(WideToUtf8(options.screenshot), image),
+                 "screenshot " + WideToUtf8(options.screenshot));
 }
 
 BOOL CALLBACK CountOne(HWND, LPARAM total) {

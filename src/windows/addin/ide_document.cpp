@@ -1,0 +1,94 @@
+// The IDE document: docAddin over the VBE the connection hands in, with the IDE front end.
+#include "windows/addin/ide_document.h"
+
+#include <cstdint>
+
+#include "windows/dialogs/about_box.h"
+#include "windows/dialogs/properties_dialog.h"
+#include "windows/document/doc_addin.h"
+#include "windows/ide/com_environment.h"
+#include "windows/ide/ide_front_end.h"
+
+namespace arbolet::windows::addin {
+namespace {
+
+namespace m = com::members;
+
+// The IDE's main window, which receives the F1 key for the help; nullptr when it cannot be read.
+HWND MainWindowOf(const com::Dispatch& vbe) {
+    try {
+        const std::int64_t handle = vbe.GetObject(m::VBE::MainWindow).GetInt(m::Window::HWnd);
+        return reinterpret_cast<HWND>(static_cast<std::intptr_t>(handle));
+    } catch (...) {
+        return nullptr;
+    }
+}
+
+class IdeDocument final : public ToolWindowDocument {
+  public:
+    ~IdeDocument() override { Unload(); }
+
+    HWND Create(HWND parent) override {
+        Unload();
+        parent_ = parent;
+        MakeDocument(nullptr);
+        return document_ ? document_->hWnd() : nullptr;
+    }
+    void Resize(int width, int height) override {
+        if (document_) document_->Resize(0, 0, width, height);
+    }
+    // The environment wraps the VBE once: a new wrapper would advise the IDE's events again.
+    void Connect(const com::Dispatch& vbe, ConnectionActions& connection) override {
+        connection_ = &connection;
+        if (!document_ || vbe.Object() == vbe_.Object()) return;
+        vbe_ = vbe;
+        // The front end's IDE window comes with the VBE: the document is made again for it.
+        MakeDocument(MainWindowOf(vbe));
+        document_->SetEnvironment(ide::WrapVbe(vbe));
+    }
+    void Shown() override {
+        if (document_) document_->Show();
+    }
+    void Unload() override {
+        // Terminate first: the document lets go of the environment's event sinks and its
+        // subclass before the VBE itself is released.
+        document_.reset();
+        frontEnd_.reset();
+        vbe_ = com::Dispatch();
+        connection_ = nullptr;
+    }
+
+  private:
+    void MakeDocument(HWND ideWindow) {
+        RECT client{};
+        if (document_) {
+            GetClientRect(parent_, &client);
+            document_.reset();
+        }
+        ide::IdeFrontEnd::Actions actions;
+        actions.hide = [this] {
+            if (connection_ != nullptr) connection_->Hide();
+        };
+        actions.showProperties = [this] { dialogs::ShowPropertiesDialog(Owner()); };
+        actions.showAbout = [this] { dialogs::ShowAboutBox(Owner()); };
+        actions.ideWindow = ideWindow;
+        frontEnd_ = std::make_unique<ide::IdeFrontEnd>(std::move(actions));
+        document_ = std::make_unique<docAddin>(parent_, *frontEnd_);
+        if (client.right > 0) document_->Resize(0, 0, client.right, client.bottom);
+    }
+    HWND Owner() const { return document_ ? document_->hWnd() : parent_; }
+
+    HWND parent_ = nullptr;
+    com::Dispatch vbe_;
+    ConnectionActions* connection_ = nullptr;
+    std::unique_ptr<ide::IdeFrontEnd> frontEnd_;
+    std::unique_ptr<docAddin> document_;
+};
+
+}  // namespace
+
+std::unique_ptr<ToolWindowDocument> CreateIdeDocument() {
+    return std::make_unique<IdeDocument>();
+}
+
+}  // namespace arbolet::windows::addin
