@@ -12,11 +12,11 @@ DiskGroup::DiskGroup(std::filesystem::path path, std::string bytes, int codePage
 
 bool DiskGroup::SetStartup(const std::filesystem::path& projectFile) {
     const GroupFile group = ParseGroupFile(editor_.Bytes(), codePage_);
-    const std::filesystem::path wanted = Canonical(projectFile);
+    const std::filesystem::path wanted = PathIdentity(projectFile);
     const GroupMember* chosen = nullptr;
     for (const GroupMember& member : group.projects) {
         const auto resolved = ResolveVbPath(path_.parent_path(), member.path);
-        if (resolved && Canonical(*resolved) == wanted) {
+        if (resolved && PathIdentity(*resolved) == wanted) {
             chosen = &member;
             break;
         }

@@ -117,9 +117,9 @@ std::shared_ptr<env::Events> DiskEnvironment::Events() const {
 }
 
 bool DiskEnvironment::IsOpen(const fs::path& projectFile) const {
-    const fs::path canonical = Canonical(projectFile);
+    const fs::path canonical = PathIdentity(projectFile);
     return std::any_of(projects_->items.begin(), projects_->items.end(),
-                       [&](const auto& p) { return Canonical(p->Path()) == canonical; });
+                       [&](const auto& p) { return PathIdentity(p->Path()) == canonical; });
 }
 
 bool DiskEnvironment::HasProjectNamed(const std::string& name) const {
@@ -166,7 +166,7 @@ std::shared_ptr<DiskProject> DiskEnvironment::LoadProject(const fs::path& projec
         if (!component) continue;
         // One file is one component: a second entry for it would make two that overwrite
         // each other's changes.
-        if (!loaded.insert(Canonical(component->Path())).second) {
+        if (!loaded.insert(PathIdentity(component->Path())).second) {
             warnings_.push_back(
                 {shownAs, static_cast<std::int32_t>(entry.line + 1),
                  "the component file is listed twice; this entry is skipped: " + entry.path});
@@ -202,7 +202,7 @@ void DiskEnvironment::OpenGroup(const fs::path& groupFile) {
             warnings_.push_back({groupShown, line, "project file not found: " + member.path});
             continue;
         }
-        opened.members.push_back(Canonical(*resolved));
+        opened.members.push_back(PathIdentity(*resolved));
         try {
             auto project = LoadProject(*resolved, ShownBeside(groupShown, member.path));
             if (project && member.startup && projects_->start.expired()) {

@@ -35,9 +35,9 @@ std::vector<fs::path> DiskEnvironment::Folders() const {
 void DiskEnvironment::Refresh(const std::vector<fs::path>& changedFiles) {
     ChangedSet changed;
     for (const auto& file : changedFiles)
-        changed.insert(Canonical(file));
+        changed.insert(PathIdentity(file));
     for (std::size_t group = 0; group < groups_.size(); ++group) {
-        if (changed.contains(Canonical(groups_[group].path))) ReloadGroup(group);
+        if (changed.contains(PathIdentity(groups_[group].path))) ReloadGroup(group);
     }
     const auto projects = projects_->items;  // closing a project changes the list
     for (const auto& project : projects)
@@ -66,7 +66,7 @@ void DiskEnvironment::ReloadGroup(std::size_t index) {
     for (const GroupMember& member : parsed.projects) {
         const auto resolved = ResolveVbPath(group.path.parent_path(), member.path);
         if (!resolved) continue;
-        members.push_back(Canonical(*resolved));
+        members.push_back(PathIdentity(*resolved));
         if (IsOpen(*resolved)) continue;
         try {
             LoadProject(*resolved, ShownBeside(shown, member.path));
@@ -78,7 +78,7 @@ void DiskEnvironment::ReloadGroup(std::size_t index) {
         return std::find(members.begin(), members.end(), path) != members.end();
     };
     for (const auto& project : std::vector(projects_->items)) {
-        const fs::path path = Canonical(project->Path());
+        const fs::path path = PathIdentity(project->Path());
         if (listed(path)) continue;
         const auto& before = groups_[index].members;
         if (std::find(before.begin(), before.end(), path) != before.end()) CloseProject(project);
@@ -88,7 +88,7 @@ void DiskEnvironment::ReloadGroup(std::size_t index) {
 
 void DiskEnvironment::RefreshProject(const std::shared_ptr<DiskProject>& project,
                                      const ChangedSet& changed) {
-    if (changed.contains(Canonical(project->Path()))) {
+    if (changed.contains(PathIdentity(project->Path()))) {
         std::error_code ec;
         if (!fs::exists(project->Path(), ec)) {
             CloseProject(project);
@@ -147,7 +147,7 @@ void DiskEnvironment::SyncComponents(DiskProject& project, const ChangedSet& cha
     auto& items = project.components->items;
     std::map<fs::path, std::shared_ptr<DiskComponent>> byPath;
     for (const auto& component : items)
-        byPath.try_emplace(Canonical(component->Path()), component);
+        byPath.try_emplace(PathIdentity(component->Path()), component);
     std::vector<std::shared_ptr<DiskComponent>> kept;
     std::vector<std::shared_ptr<DiskComponent>> added;
     std::vector<LoadWarning> ignored;
@@ -156,7 +156,7 @@ void DiskEnvironment::SyncComponents(DiskProject& project, const ChangedSet& cha
     for (const ComponentEntry& entry : ComponentEntries(project.Text())) {
         const auto resolved = loader.Resolve(entry);
         if (!resolved) continue;
-        const fs::path canonical = Canonical(*resolved);
+        const fs::path canonical = PathIdentity(*resolved);
         if (!listed.insert(canonical).second) continue;  // a file listed twice is one component
         const auto existing = byPath.find(canonical);
         if (existing != byPath.end()) {
@@ -183,7 +183,7 @@ void DiskEnvironment::SyncComponents(DiskProject& project, const ChangedSet& cha
     }
     if (changed.empty()) return;
     for (const auto& component : std::vector(items)) {
-        if (changed.contains(Canonical(component->Path()))) ReloadComponent(project, component);
+        if (changed.contains(PathIdentity(component->Path()))) ReloadComponent(project, component);
     }
 }
 

@@ -2,6 +2,7 @@
 #include "disk/vb_path.h"
 
 #include <algorithm>
+#include <cwctype>
 #include <system_error>
 #include <vector>
 
@@ -128,6 +129,17 @@ fs::path Canonical(const fs::path& path) {
     std::error_code ec;
     fs::path canonical = fs::weakly_canonical(path, ec);
     return ec ? path : canonical;
+}
+
+fs::path PathIdentity(const fs::path& path) {
+#ifdef _WIN32
+    std::wstring text = Canonical(path).wstring();
+    for (wchar_t& c : text)
+        c = static_cast<wchar_t>(std::towlower(static_cast<std::wint_t>(c)));
+    return fs::path(text);
+#else
+    return Canonical(path);
+#endif
 }
 
 std::string VbPathFor(const fs::path& file, const fs::path& projectFolder) {

@@ -45,6 +45,9 @@ std::filesystem::path AbsolutePath(const std::filesystem::path& path);
 // The path with links and `..` resolved as far as it exists, so that two names of one file
 // compare equal; the path itself when that fails.
 std::filesystem::path Canonical(const std::filesystem::path& path);
+// What decides whether two paths name one file: the canonical path, and on Windows, where names
+// differ in case only, in lower case too. For comparing and keying only, never for opening.
+std::filesystem::path PathIdentity(const std::filesystem::path& path);
 
 // How a project file writes the path of `file`: relative to its folder when it can, with `\`.
 std::string VbPathFor(const std::filesystem::path& file,

@@ -103,6 +103,8 @@ TEST_F(FileIo, EveryHardLinkSeesTheChange) {
     std::error_code ec;
     fs::create_hard_link(first, second, ec);
     if (ec) GTEST_SKIP() << "no hard links here: " << ec.message();
+    // Wine makes the link but reports one link per file, so its writes cannot tell.
+    if (fs::hard_link_count(first, ec) < 2) GTEST_SKIP() << "hard links are not counted here";
     ReplaceFileAtomic(second, "new", "old bytes, longer than the new ones");
     EXPECT_EQ(ReadFileBytes(first), "new");
     EXPECT_EQ(fs::hard_link_count(first), 2u);
