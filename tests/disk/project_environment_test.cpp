@@ -398,7 +398,9 @@ TEST_F(DiskSaveTest, AFileChangedOrDeletedDuringTheSaveIsNeverOverwrittenOrRecre
         {"changed on disk", [&] { folder.Write("P/clsItem.cls", edited); }},
         {"vanished", [&] { std::filesystem::remove(folder / "P/clsItem.cls"); }},
     };
-    for (const auto& [reason, meddle] : meddlers) {
+    for (const auto& meddler : meddlers) {
+        const std::string& reason = meddler.first;
+        const std::function<void()>& meddle = meddler.second;
         auto environment = OpenProject(vbpHead);
         auto project = environment->VBProjects()->Item(1);
         project->WriteProperty("Quorlin", "QX-TypeName", ";Tools;");
