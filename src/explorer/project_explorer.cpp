@@ -1,6 +1,7 @@
 // Building the project tree from the environment, and the custom folder operations.
 #include "explorer/project_explorer.h"
 
+#include <algorithm>
 #include <exception>
 #include <vector>
 
@@ -172,18 +173,38 @@ void ProjectExplorer::LoadFolders(const env::VBProject& project, const std::stri
     }
 }
 
+// Components go in from the last in tree order to the first, so that each one's place is in
+// front of its folder's first child, found in one comparison: a project of 20,000 components
+// loads in linear time whatever order its file lists them in.
 void ProjectExplorer::LoadComponents(const env::VBProject& project,
                                      const std::string& projectName) {
+    struct Listed {
+        std::string order;  // what sorted insertion compares: the lower-cased key
+        std::string name;
+        std::string folder;
+    };
+    std::vector<Listed> listed;
     const auto components = project.VBComponents();
     if (!components) return;
     const std::int32_t count = components->Count();
     for (std::int32_t i = 1; i <= count; ++i) {
         try {
             const env::VBComponentRef component = components->Item(i);
-            AddComponentNode(ComponentDisplayName(*component), GetComponentFolder(*component),
-                             projectName);
+            std::string name = ComponentDisplayName(*component);
+            listed.push_back({text::ToLower(ComponentKey(name, projectName)), std::move(name),
+                              GetComponentFolder(*component)});
         } catch (const std::exception&) {
             // One component the environment cannot describe does not keep the others out.
+        }
+    }
+    // Stable, so that of two components with the same key the one listed first is shown.
+    std::stable_sort(listed.begin(), listed.end(),
+                     [](const Listed& a, const Listed& b) { return a.order > b.order; });
+    for (const Listed& component : listed) {
+        try {
+            AddComponentNode(component.name, component.folder, projectName);
+        } catch (const std::exception&) {
+            // A node the tree refuses leaves the others in place.
         }
     }
 }

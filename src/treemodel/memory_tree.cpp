@@ -1,4 +1,6 @@
 // The in-memory tree: sibling lists for the shape, a hash map for keys, a vector for indexes.
+// Removed nodes stay in the vector until an index is asked for or they outnumber the live ones,
+// so that removing a node costs what is below it, not what is in the whole tree.
 #include "treemodel/memory_tree.h"
 
 #include <algorithm>
@@ -42,6 +44,7 @@ MemoryNode& MemoryNode::Live() {
 }
 
 NodeRef MemoryNode::Ref(MemoryNode* node) const {
+    ++owner_->work_;
     if (node == nullptr || owner_->IsHiddenRoot(node)) return nullptr;
     return node->shared_from_this();
 }
@@ -103,7 +106,8 @@ void MemoryNode::EnsureVisible() {
 }
 
 std::int32_t MemoryNode::Index() const {
-    return static_cast<std::int32_t>(Live().position_ + 1);
+    Live().owner_->Compact();
+    return static_cast<std::int32_t>(position_ + 1);
 }
 NodeRef MemoryNode::Parent() const {
     return Ref(Live().parent_);
@@ -206,7 +210,7 @@ void MemoryNodes::Unlink(MemoryNode& node) {
 }
 
 std::int32_t MemoryNodes::Count() const {
-    return static_cast<std::int32_t>(nodes_.size());
+    return static_cast<std::int32_t>(nodes_.size() - removed_);
 }
 
 NodeRef MemoryNodes::Item(std::string_view key) const {
@@ -219,6 +223,7 @@ NodeRef MemoryNodes::Item(std::int32_t index) const {
     if (index < 1 || index > Count()) {
         throw VbError(treeerr::kIndexOutOfBounds, kNodesSource, "Index out of bounds");
     }
+    Compact();
     return nodes_[static_cast<std::size_t>(index - 1)];
 }
 
@@ -226,7 +231,8 @@ bool MemoryNodes::Exists(std::string_view key) const {
     return byKey_.find(key) != byKey_.end();
 }
 
-// Marks the node and its descendants removed and forgets their keys; the caller compacts.
+// Marks the node and its descendants removed and forgets their keys; they leave the index
+// order at the next compaction.
 void MemoryNodes::Detach(MemoryNode& top) {
     std::vector<MemoryNode*> pending{&top};
     while (!pending.empty()) {
@@ -237,6 +243,8 @@ void MemoryNodes::Detach(MemoryNode& top) {
         }
         if (!node->key_.empty()) byKey_.erase(node->key_);
         if (selected_ == node) selected_ = nullptr;
+        ++removed_;
+        ++work_;
         node->owner_ = nullptr;
         node->parent_ = node->firstChild_ = node->lastChild_ = nullptr;
         node->previous_ = node->next_ = nullptr;
@@ -248,7 +256,7 @@ void MemoryNodes::Remove(const Node& node) {
     MemoryNode& top = OwnNode(node);
     Unlink(top);
     Detach(top);
-    Compact();
+    CompactWhenMostlyRemoved();
 }
 
 void MemoryNodes::RemoveChildren(const Node& node) {
@@ -257,21 +265,32 @@ void MemoryNodes::RemoveChildren(const Node& node) {
         Unlink(*child);
         Detach(*child);
     }
-    Compact();
+    CompactWhenMostlyRemoved();
 }
 
-// Drops the removed nodes from the index order and renumbers the rest.
-void MemoryNodes::Compact() {
+// Drops the removed nodes from the index order and renumbers the rest. Positions are only read
+// through an index, so nothing needs them right while nodes are being removed.
+void MemoryNodes::Compact() const {
+    if (removed_ == 0) return;
     std::erase_if(nodes_,
                   [](const std::shared_ptr<MemoryNode>& n) { return n->owner_ == nullptr; });
     for (std::size_t i = 0; i < nodes_.size(); ++i)
         nodes_[i]->position_ = i;
+    work_ += nodes_.size() + removed_;
+    removed_ = 0;
+}
+
+// Removed nodes may outlive their removal by as many again as there are live ones, which keeps
+// the cost of compacting in proportion to what was removed.
+void MemoryNodes::CompactWhenMostlyRemoved() {
+    if (removed_ > nodes_.size() / 2) Compact();
 }
 
 void MemoryNodes::Clear() {
     for (auto& node : nodes_)
         node->owner_ = nullptr;
     nodes_.clear();
+    removed_ = 0;
     byKey_.clear();
     selected_ = nullptr;
     root_.firstChild_ = root_.lastChild_ = nullptr;

@@ -89,6 +89,9 @@ class MemoryNodes final : public Nodes {
     void Clear() override;
 
     MemoryNode* SelectedNode() const { return selected_; }
+    // How many nodes the collection has stepped to, removed or renumbered since it was made: the
+    // tests use it to show that an operation costs what it touches, not what the tree holds.
+    std::size_t Work() const { return work_; }
 
   private:
     friend class MemoryNode;
@@ -104,11 +107,15 @@ class MemoryNodes final : public Nodes {
     void Link(MemoryNode& node, MemoryNode& relative, Relationship relationship);
     void Unlink(MemoryNode& node);
     void Detach(MemoryNode& node);
-    void Compact();
+    void Compact() const;
+    void CompactWhenMostlyRemoved();
     bool IsHiddenRoot(const MemoryNode* node) const { return node == &root_; }
 
     MemoryNode root_;  // parent of the top-level nodes, never handed out
-    std::vector<std::shared_ptr<MemoryNode>> nodes_;
+    // In order of addition; may still hold removed nodes (`removed_` of them) until compacted.
+    mutable std::vector<std::shared_ptr<MemoryNode>> nodes_;
+    mutable std::size_t removed_ = 0;
+    mutable std::size_t work_ = 0;
     std::unordered_map<std::string, MemoryNode*, KeyHash, std::equal_to<>> byKey_;
     MemoryNode* selected_ = nullptr;
 };

@@ -78,6 +78,29 @@ TEST(MemoryTree, IndexesFollowTheOrderOfAddition) {
     EXPECT_EQ(ErrorNumber([&] { nodes.Item(3); }), treeerr::kIndexOutOfBounds);
 }
 
+// Removed nodes leave the index order at once as far as anyone can see, also when the tree
+// renumbers the rest only later, and nodes added afterwards come last.
+TEST(MemoryTree, IndexesSkipRemovedNodesAndKeepCountingAdditions) {
+    MemoryNodes nodes;
+    for (const char* key : {"a", "b", "c", "d", "e", "f"})
+        Put(nodes, "", Relationship::Last, key, "");
+    Put(nodes, "c", Relationship::Child, "c1", "");
+    Put(nodes, "c1", Relationship::Child, "c11", "");
+    nodes.Remove("c");
+    EXPECT_EQ(nodes.Count(), 5);
+    Put(nodes, "a", Relationship::Next, "late", "");
+    nodes.Remove("e");
+    std::string order;
+    for (std::int32_t i = 1; i <= nodes.Count(); ++i) {
+        EXPECT_EQ(nodes.Item(i)->Index(), i);
+        order += nodes.Item(i)->Key() + " ";
+    }
+    EXPECT_EQ(order, "a b d f late ");
+    EXPECT_EQ(nodes.Item("late")->Index(), 5);
+    EXPECT_EQ(ErrorNumber([&] { nodes.Item(6); }), treeerr::kIndexOutOfBounds);
+    EXPECT_EQ(Shape(nodes), "a,late,b,d,f");
+}
+
 TEST(MemoryTree, KeysAreUniqueAndExact) {
     MemoryNodes nodes;
     Put(nodes, "", Relationship::Last, "Key", "one");
