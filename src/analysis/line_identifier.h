@@ -16,7 +16,6 @@ namespace arbolet::analysis {
 class LineIdentifier {
   public:
     LineIdentifier() = default;
-    LineIdentifier(std::string text) : base_(std::move(text)) {}
     LineIdentifier(const char* text) : base_(text) {}
     LineIdentifier(const LineIdentifier&) = default;
     LineIdentifier(LineIdentifier&&) noexcept = default;
@@ -55,16 +54,8 @@ class LineIdentifier {
         }
         return text + base_;
     }
-    bool empty() const { return prefixes_ == nullptr && base_.empty(); }
 
-    friend bool operator==(const LineIdentifier& a, std::string_view b) { return a.str() == b; }
     friend bool operator==(const LineIdentifier& a, const char* b) { return a.str() == b; }
-    friend bool operator==(const LineIdentifier& a, const LineIdentifier& b) {
-        return a.str() == b.str();
-    }
-    friend std::string operator+(const std::string& a, const LineIdentifier& b) {
-        return a + b.str();
-    }
     friend std::ostream& operator<<(std::ostream& out, const LineIdentifier& id) {
         return out << id.str();
     }

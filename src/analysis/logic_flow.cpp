@@ -399,13 +399,7 @@ void LogicFlowBuilder::CloseOpenBlocks(clsLine*& container) {
         if (ParentOf(container) != nullptr) container = container->Parent;
         if (blockStack_.TopText().starts_with('#')) return;  // open #If blocks are never reported
         std::int32_t opener = -1;
-        const Variant entry = PopBlock(&opener);
-        if (clsLine* open = AsLine(entry)) {
-            open->LineID =
-                open->LineID.Prefixed("_", static_cast<std::size_t>(blockStack_.Count()));
-            Add(open, container, colour::kRed);
-            continue;
-        }
+        const Variant entry = PopBlock(&opener);  // the closing keyword the block waits for
         clsLine* error =
             MakeLine(arena_, "ERROR - NO " + std::string(entry.Text()),
                      container ? container->LineID.Prefixed("ERROR~") : LineIdentifier("ERROR~"));

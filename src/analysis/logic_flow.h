@@ -35,8 +35,6 @@ class LogicFlowBuilder {
     // error node, climbing one level per block.
     void CloseOpenBlocks(clsLine*& container);
 
-    const clsStack& BlockStack() const { return blockStack_; }
-
   private:
     struct Step;  // the line being processed, with its working texts
 

@@ -21,7 +21,6 @@ class SharedText {
         data_ = owner_->data();
         length_ = owner_->size();
     }
-    SharedText(std::string_view text) : SharedText(std::string(text)) {}
     SharedText(const char* text) : SharedText(std::string(text)) {}
 
     // A slice of bytes that someone else keeps alive and unchanged (a LineArena's buffer).
@@ -48,19 +47,11 @@ class SharedText {
         return suffix;
     }
 
-    friend bool operator==(const SharedText& a, std::string_view b) { return a.view() == b; }
     friend bool operator==(const SharedText& a, const char* b) { return a.view() == b; }
-    friend bool operator==(const SharedText& a, const std::string& b) { return a.view() == b; }
-    friend bool operator==(const SharedText& a, const SharedText& b) {
-        return a.view() == b.view();
-    }
     // Binary order, by character code.
     friend bool operator<(const SharedText& a, const SharedText& b) { return a.view() < b.view(); }
     friend bool operator>(const SharedText& a, const SharedText& b) { return b < a; }
     friend bool operator<=(const SharedText& a, const SharedText& b) { return !(b < a); }
-    friend std::string operator+(const std::string& a, const SharedText& b) { return a + b.str(); }
-    friend std::string operator+(const SharedText& a, const std::string& b) { return a.str() + b; }
-    friend std::string operator+(const SharedText& a, const char* b) { return a.str() + b; }
     friend std::ostream& operator<<(std::ostream& out, const SharedText& text) {
         return out << text.view();
     }
