@@ -2,7 +2,8 @@
 // would, over the projects on the command line, and says what worked.
 //
 //   vb6host.exe [--connect-mode 0|1|2] [--transcript OUT.txt] [--dump-tree OUT.json
-//               [--expand all|NAME,...]] [--screenshot OUT.png] [--cycles N] [--scenario]
+//               [--expand all|NAME,...]] [--dump-menu KEY OUT.json] [--screenshot OUT.png]
+//               [--cycles N] [--scenario]
 //               [--dll PATH] PROJECT.vbp|GROUP.vbg...
 //
 // Every step prints "vb6host: ok: ..." or "vb6host: FAILED: ..."; the last line is
@@ -18,6 +19,7 @@
 #include "disk/vb_path.h"
 #include "support/screen_capture.h"
 #include "vb6host/addin_session.h"
+#include "vb6host/document_dumps.h"
 #include "vb6host/host_context.h"
 #include "vb6host/ide_commands.h"
 #include "vb6host/main_window.h"
@@ -34,6 +36,8 @@ using windows::WideToUtf8;
 struct Options {
     int mode = 0;
     std::wstring transcript, dumpTree, expand, screenshot, dll;
+    // The node whose context menu is dumped ("" for empty tree space), and where to.
+    std::wstring menuKey, dumpMenu;
     int cycles = 0;
     bool scenario = false;
     std::vector<std::wstring> projects;
@@ -90,6 +94,8 @@ bool Parse(int argc, wchar_t** argv, Options& options) {
             if (!value(options.transcript)) return false;
         } else if (arg == L"--dump-tree") {
             if (!value(options.dumpTree)) return false;
+        } else if (arg == L"--dump-menu") {
+            if (!value(options.menuKey) || !value(options.dumpMenu)) return false;
         } else if (arg == L"--expand") {
             if (!value(options.expand)) return false;
         } else if (arg == L"--screenshot") {
@@ -267,6 +273,17 @@ void DumpTree(Session& session, const Options& options, Report& report) {
                                                      " nodes) to " + WideToUtf8(options.dumpTree));
 }
 
+// The context menu through the tool window's DocObj, as the standalone explorer dumps it; with
+// --screenshot the picture is taken while the menu is open.
+void DumpMenu(Session& session, const Options& options, Report& report) {
+    const auto window = TheToolWindow(*session.context);
+    std::string error;
+    const bool done = window && DumpDocumentMenu(window->Document(), options.menuKey,
+                                                 options.dumpMenu, options.screenshot, error);
+    report.Check(done, "wrote the context menu of \"" + WideToUtf8(options.menuKey) + "\" to " +
+                           WideToUtf8(options.dumpMenu) + (done ? "" : ": " + error));
+}
+
 void Screenshot(Session& session, const Options& options, Report& report) {
     RedrawWindow(session.main->Handle(), nullptr, nullptr,
                  RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN | RDW_FRAME);
@@ -373,7 +390,9 @@ int Run(const Options& options) {
                         ChangeProjects(session, report);
                     }
                     if (!options.dumpTree.empty()) DumpTree(session, options, report);
-                    if (!options.screenshot.empty()) Screenshot(session, options, report);
+                    if (!options.dumpMenu.empty()) DumpMenu(session, options, report);
+                    if (!options.screenshot.empty() && options.dumpMenu.empty())
+                        Screenshot(session, options, report);
                     report.Check(connection.Disconnect(), "OnDisconnection");
                     report.Check(!AddInControl(*session.context, L"Add-Ins") &&
                                      !AddInControl(*session.context, L"Standard"),
@@ -409,7 +428,8 @@ int wmain(int argc, wchar_t** argv) {
     if (!arbolet::vb6host::Parse(argc, argv, options)) {
         std::fprintf(stderr,
                      "usage: vb6host [--connect-mode 0|1|2] [--transcript OUT.txt] [--dump-tree "
-                     "OUT.json [--expand all|NAME,...]] [--screenshot OUT.png] [--cycles N] "
+                     "OUT.json [--expand all|NAME,...]] [--dump-menu KEY OUT.json] [--screenshot "
+                     "OUT.png] [--cycles N] "
                      "[--scenario] [--dll PATH] PROJECT.vbp|GROUP.vbg...\n");
         return 2;
     }
