@@ -333,16 +333,4 @@ bool DumpDocumentTree(docAddin& document, const std::string& expand,
     return static_cast<bool>(file);
 }
 
-bool SaveWindowPicture(HWND window, const std::filesystem::path& out) {
-    std::vector<HWND> shown{window};
-    // Open menus are top-level windows of the menu class owned by no one.
-    for (HWND menu = FindWindowExW(nullptr, nullptr, L"#32768", nullptr); menu != nullptr;
-         menu = FindWindowExW(nullptr, menu, L"#32768", nullptr)) {
-        if (IsWindowVisible(menu)) shown.push_back(menu);
-    }
-    const RgbImage picture = CaptureScreen(UnionOfWindows(shown));
-    if (picture.width == 0) return false;
-    return WritePng(WideToUtf8(out.wstring()), picture);
-}
-
 }  // namespace arbolet::windows

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "windows/document/doc_addin.h"
+#include "windows/screenshot/screen_capture.h"
 
 namespace arbolet::windows {
 
@@ -29,9 +30,5 @@ bool DumpDocumentTree(docAddin& document, const std::string& expand,
 bool DumpDocumentMenu(docAddin& document, HWND window, const std::string& key,
                       const std::filesystem::path& out, const std::filesystem::path& screenshot,
                       std::string& error);
-
-// Saves a picture of the window and of any menu open over it; false when nothing was captured
-// or the file cannot be written.
-bool SaveWindowPicture(HWND window, const std::filesystem::path& out);
 
 }  // namespace arbolet::windows

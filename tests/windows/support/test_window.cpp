@@ -99,4 +99,17 @@ void PressKey(WORD virtualKey) noexcept {
     SendInput(2, inputs, sizeof(INPUT));
 }
 
+INPUT MouseAt(POINT screen, DWORD flags) noexcept {
+    INPUT input{};
+    input.type = INPUT_MOUSE;
+    input.mi.dx = MulDiv(screen.x, 65535, GetSystemMetrics(SM_CXSCREEN) - 1);
+    input.mi.dy = MulDiv(screen.y, 65535, GetSystemMetrics(SM_CYSCREEN) - 1);
+    input.mi.dwFlags = flags | MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE;
+    return input;
+}
+
+POINT Centre(const RECT& area) noexcept {
+    return {(area.left + area.right) / 2, (area.top + area.bottom) / 2};
+}
+
 }  // namespace arbolet::windows::testing

@@ -45,5 +45,10 @@ void PumpMessagesFor(DWORD milliseconds) noexcept;
 bool Activate(HWND hWnd) noexcept;
 // Sends a key press and release through the system's input queue.
 void PressKey(WORD virtualKey) noexcept;
+// A mouse event at a point of the screen, moving the pointer there, for SendInput; `flags` adds
+// the buttons (MOUSEEVENTF_LEFTDOWN, ...).
+INPUT MouseAt(POINT screen, DWORD flags) noexcept;
+// The middle of a rectangle.
+POINT Centre(const RECT& area) noexcept;
 
 }  // namespace arbolet::windows::testing

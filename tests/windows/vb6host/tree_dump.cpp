@@ -174,12 +174,33 @@ int CountNodes(HWND tree) {
 }
 
 bool HasNodeText(HWND tree, const std::wstring& text) {
-    bool found = false;
+    return FindNode(tree, text) != nullptr;
+}
+
+HTREEITEM FindNode(HWND tree, const std::wstring& text) {
+    HTREEITEM found = nullptr;
     Walk(tree, [&](HTREEITEM item) {
-        found = Read(tree, item).text == text;
-        return !found;
+        if (Read(tree, item).text == text) found = item;
+        return found == nullptr;
     });
     return found;
+}
+
+std::wstring NodeText(HWND tree, HTREEITEM item) {
+    return item != nullptr ? Read(tree, item).text : std::wstring();
+}
+
+std::wstring ParentText(HWND tree, HTREEITEM item) {
+    return NodeText(tree, Next(tree, item, TVGN_PARENT));
+}
+
+bool NodeScreenRect(HWND tree, HTREEITEM item, RECT& area) {
+    SendMessageW(tree, TVM_ENSUREVISIBLE, 0, reinterpret_cast<LPARAM>(item));
+    // TVM_GETITEMRECT takes the item in the rectangle it fills.
+    *reinterpret_cast<HTREEITEM*>(&area) = item;
+    if (!SendMessageW(tree, TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(&area))) return false;
+    MapWindowPoints(tree, nullptr, reinterpret_cast<POINT*>(&area), 2);
+    return true;
 }
 
 }  // namespace arbolet::vb6host

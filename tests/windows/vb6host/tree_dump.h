@@ -4,6 +4,8 @@
 #pragma once
 
 #include <windows.h>
+// after windows.h, which it needs
+#include <commctrl.h>
 
 #include <string>
 #include <vector>
@@ -21,5 +23,13 @@ std::string TreeJson(HWND tree);
 int CountNodes(HWND tree);
 // Whether a node has this text.
 bool HasNodeText(HWND tree, const std::wstring& text);
+// The first node with this text, in the tree's order, or nullptr.
+HTREEITEM FindNode(HWND tree, const std::wstring& text);
+// A node's text, and the text of its parent ("" for a root).
+std::wstring NodeText(HWND tree, HTREEITEM item);
+std::wstring ParentText(HWND tree, HTREEITEM item);
+// Where the node's caption is on the screen, scrolled into view first; false when it cannot be
+// shown.
+bool NodeScreenRect(HWND tree, HTREEITEM item, RECT& area);
 
 }  // namespace arbolet::vb6host

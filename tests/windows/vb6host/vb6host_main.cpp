@@ -17,16 +17,18 @@
 #include <vector>
 
 #include "disk/vb_path.h"
-#include "support/screen_capture.h"
+#include "support/test_window.h"
 #include "vb6host/addin_session.h"
 #include "vb6host/document_dumps.h"
 #include "vb6host/host_context.h"
 #include "vb6host/ide_commands.h"
 #include "vb6host/main_window.h"
+#include "vb6host/step_report.h"
 #include "vb6host/tool_window.h"
 #include "vb6host/tree_dump.h"
+#include "vb6host/tree_gestures.h"
 #include "windows/registry/ansi_text.h"
-#include "windows/screenshot/png_file.h"
+#include "windows/screenshot/screen_capture.h"
 
 namespace arbolet::vb6host {
 namespace {
@@ -41,36 +43,6 @@ struct Options {
     int cycles = 0;
     bool scenario = false;
     std::vector<std::wstring> projects;
-};
-
-class Report {
-  public:
-    bool Check(bool ok, const std::string& step) {
-        std::printf("vb6host: %s: %s\n", ok ? "ok" : "FAILED", step.c_str());
-        std::fflush(stdout);
-        if (!ok) ++failures_;
-        return ok;
-    }
-    bool Check(HRESULT hr, const std::string& step) {
-        char code[16];
-        std::snprintf(code, sizeof(code), "0x%08lX", static_cast<unsigned long>(hr));
-        return Check(SUCCEEDED(hr), step + (SUCCEEDED(hr) ? "" : std::string(" (") + code + ")"));
-    }
-    void Note(const std::string& text) {
-        std::printf("vb6host: %s\n", text.c_str());
-        std::fflush(stdout);
-    }
-    int Finish() {
-        if (failures_ == 0) {
-            Note("all steps passed");
-            return 0;
-        }
-        Note(std::to_string(failures_) + " steps failed");
-        return 1;
-    }
-
-  private:
-    int failures_ = 0;
 };
 
 bool Parse(int argc, wchar_t** argv, Options& options) {
@@ -255,6 +227,26 @@ void ChangeProjects(Session& session, Report& report) {
         report.Check(false, "the IDE's command failed: " + error);
 }
 
+// The picture of the context menu a scenario opens: beside --screenshot, with "_menu" added.
+std::filesystem::path MenuPicture(const std::wstring& screenshot) {
+    if (screenshot.empty()) return {};
+    std::filesystem::path picture(screenshot);
+    return picture.replace_filename(picture.stem().wstring() + L"_menu.png");
+}
+
+// What a person does on the tree of the example project: a right click and View Code, a
+// rename by label edit (and back), a drag onto the custom folder "Archive".
+void UseTheTree(Session& session, const Options& options, Report& report) {
+    const auto window = TheToolWindow(*session.context);
+    HWND tree = window ? FindTreeView(window->Client()) : nullptr;
+    if (!report.Check(tree != nullptr, "the tool window holds a tree view")) return;
+    const TreeScene scene{*session.context, session.main->Handle(), tree, report};
+    RightClickViewCode(scene, L"modStock", L"clsItem", MenuPicture(options.screenshot));
+    RenameByLabelEdit(scene, L"modLegacy", L"modOld");
+    RenameByLabelEdit(scene, L"modOld", L"modLegacy");
+    DragOntoFolder(scene, L"clsWarehouse", L"Archive");
+}
+
 void DumpTree(Session& session, const Options& options, Report& report) {
     const auto window = TheToolWindow(*session.context);
     HWND tree = window ? FindTreeView(window->Client()) : nullptr;
@@ -288,10 +280,7 @@ void Screenshot(Session& session, const Options& options, Report& report) {
     RedrawWindow(session.main->Handle(), nullptr, nullptr,
                  RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN | RDW_FRAME);
     Pump(200);
-    RECT bounds;
-    GetWindowRect(session.main->Handle(), &bounds);
-    const auto image = windows::testing::CaptureScreen(bounds);
-    report.Check(image.width > 0 && windows::WritePng(WideToUtf8(options.screenshot), image),
+    report.Check(windows::SaveWindowPicture(session.main->Handle(), options.screenshot),
                  "screenshot " + WideToUtf8(options.screenshot));
 }
 
@@ -387,6 +376,9 @@ int Run(const Options& options) {
                 if (connection.Connected()) {
                     if (options.scenario && options.mode != 2) {
                         ShowAndHide(session, connection, report);
+                        // Before the project is closed and opened again: the add-in hears
+                        // component events only for the project active at its last reload.
+                        UseTheTree(session, options, report);
                         ChangeProjects(session, report);
                     }
                     if (!options.dumpTree.empty()) DumpTree(session, options, report);
