@@ -25,7 +25,7 @@ enum class MemberKind { Property, Method };
 
 struct Member {
     const wchar_t* name;
-    DISPID dispid;
+    DISPID id;
     MemberKind kind;
 };
 

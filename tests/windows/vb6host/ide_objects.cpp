@@ -4,6 +4,7 @@
 #include <new>
 
 #include "base/vb_error.h"
+#include "disk/new_component.h"
 #include "disk/vb_path.h"
 #include "vb6host/command_bar_objects.h"
 #include "vb6host/event_objects.h"
@@ -460,7 +461,7 @@ void ComponentObject::Run(DISPID id, const Call& call) {
                                       WideToUtf8(call.args.String(1)));
             return;
         case vbide::kComponentActivate:
-            if (HasDesigner(component_->Type())) {
+            if (disk::HasDesigner(component_->Type())) {
                 ShowDesigner(context, component_);
             } else {
                 ShowCode(context, component_);
