@@ -198,8 +198,7 @@ void RenameByLabelEdit(const TreeScene& scene, const std::wstring& name,
                  "F2 on " + Quoted(name) + " opens the label for editing");
     report.Check(LinesSince(scene.context, from, put + Quoted(newName)) == 1,
                  "typing " + Quoted(newName) + " and Enter renames the component in the IDE");
-    report.Check(Utf8ToWide(component->Name()) == newName,
-                 "the IDE calls it " + Quoted(newName));
+    report.Check(Utf8ToWide(component->Name()) == newName, "the IDE calls it " + Quoted(newName));
     report.Check(FindNode(scene.tree, newName) != nullptr && FindNode(scene.tree, name) == nullptr,
                  "the tree calls it " + Quoted(newName));
     item = FindNode(scene.tree, newName);
