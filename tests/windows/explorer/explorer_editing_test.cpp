@@ -10,7 +10,6 @@ namespace arbolet::explorer_app::testing {
 namespace {
 
 using windows::testing::Centre;
-using windows::testing::MouseAt;
 
 class ExplorerEditingTest : public ExplorerWindowTest {
   protected:
@@ -65,14 +64,7 @@ TEST_F(ExplorerEditingTest, DraggingAComponentOntoAFolderMovesItThere) {
     Press("Type~Stock Logic~Inventory", VK_RIGHT);
     const POINT from = Centre(ScreenRect(source));
     const POINT to = Centre(ScreenRect(target));
-    // All at once: the control watches for the drag in a loop of its own after the press.
-    INPUT gesture[] = {MouseAt(from, 0),
-                       MouseAt(from, MOUSEEVENTF_LEFTDOWN),
-                       MouseAt({from.x + 12, from.y + 12}, 0),
-                       MouseAt({to.x, to.y + 1}, 0),
-                       MouseAt(to, 0),
-                       MouseAt(to, MOUSEEVENTF_LEFTUP)};
-    SendInput(static_cast<UINT>(std::size(gesture)), gesture, sizeof(INPUT));
+    windows::testing::DragMouse(from, to);
     windows::testing::PumpMessagesFor(300);
 
     ASSERT_TRUE(Tree().Exists(source));

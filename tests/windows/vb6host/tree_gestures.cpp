@@ -224,14 +224,7 @@ void DragOntoFolder(const TreeScene& scene, const std::wstring& name, const std:
     NodeScreenRect(scene.tree, target, to);
     const POINT start = Centre(from);
     const POINT end = Centre(to);
-    // All at once: the control watches for the drag in a loop of its own after the press.
-    INPUT gesture[] = {MouseAt(start, 0),
-                       MouseAt(start, MOUSEEVENTF_LEFTDOWN),
-                       MouseAt({start.x + 12, start.y + 12}, 0),
-                       MouseAt({end.x, end.y + 1}, 0),
-                       MouseAt(end, 0),
-                       MouseAt(end, MOUSEEVENTF_LEFTUP)};
-    SendInput(static_cast<UINT>(std::size(gesture)), gesture, sizeof(INPUT));
+    windows::testing::DragMouse(start, end);
     PumpMessagesFor(500);
     const HTREEITEM moved = FindNode(scene.tree, name);
     report.Check(moved != nullptr && ParentText(scene.tree, moved) == folder,
