@@ -12,7 +12,6 @@
 #include <windows.h>
 
 #include <cstdio>
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -247,6 +246,8 @@ void UseTheTree(Session& session, const Options& options, Report& report) {
     DragOntoFolder(scene, L"clsWarehouse", L"Archive");
 }
 
+// The tree through the tool window's DocObj, in the standalone explorer's schema, after the
+// nodes --expand names were opened with the keyboard as a user opens them.
 void DumpTree(Session& session, const Options& options, Report& report) {
     const auto window = TheToolWindow(*session.context);
     HWND tree = window ? FindTreeView(window->Client()) : nullptr;
@@ -258,11 +259,11 @@ void DumpTree(Session& session, const Options& options, Report& report) {
         report.Check(all || opened > 0, "opened " + std::to_string(opened) + " nodes");
         Pump(50);
     }
-    std::ofstream out(WideToUtf8(options.dumpTree), std::ios::binary);
-    out << TreeJson(tree);
-    report.Check(static_cast<bool>(out.flush()), "wrote the tree (" +
-                                                     std::to_string(CountNodes(tree)) +
-                                                     " nodes) to " + WideToUtf8(options.dumpTree));
+    // The nodes opened above stay open for the picture; the dump itself opens nothing more.
+    std::string error;
+    const bool done = DumpDocumentTree(window->Document(), options.dumpTree, L"", error);
+    report.Check(done, "wrote the tree (" + std::to_string(CountNodes(tree)) + " nodes) to " +
+                           WideToUtf8(options.dumpTree) + (done ? "" : ": " + error));
 }
 
 // The context menu through the tool window's DocObj, as the standalone explorer dumps it; with
