@@ -14,8 +14,6 @@
 namespace arbolet::disk {
 namespace {
 
-using env::ComponentType;
-
 // Menus are found by caption as shown, the accelerator's "&" and the letter case aside.
 std::string PlainCaption(std::string_view caption) {
     std::string plain;
@@ -175,36 +173,11 @@ class Rules {
     }
     bool SelectedHasDesigner() const {
         const auto component = Selected();
-        if (!component) return false;
-        switch (component->Type()) {
-            case ComponentType::VBForm:
-            case ComponentType::VBMDIForm:
-            case ComponentType::MSForm:
-            case ComponentType::UserControl:
-            case ComponentType::PropPage:
-            case ComponentType::DocObject:
-            case ComponentType::ActiveXDesigner:
-                return true;
-            default:
-                return false;
-        }
+        return component && HasDesigner(component->Type());
     }
-    // A project holds at most one MDI form.
-    bool CanAddMdiForm() const {
+    bool CanAdd(NewComponentKind kind) const {
         const auto project = Active();
-        if (!project) return false;
-        for (const auto& component : project->components->items) {
-            if (component->Type() == ComponentType::VBMDIForm) return false;
-        }
-        return true;
-    }
-    // User documents live in ActiveX EXE and DLL projects only.
-    bool CanAddUserDocument() const {
-        const auto project = Active();
-        if (!project) return false;
-        const std::string type =
-            text::ToLower(text::Trim(project->Text().TopLevelValue("Type").value_or("")));
-        return type == "oleexe" || type == "oledll";
+        return project && CanAddNewComponent(*project, kind);
     }
     void Add(NewComponentKind kind) const {
         const auto project = Active();
@@ -244,13 +217,14 @@ void FillMenuBar(DiskControls& bar, const std::shared_ptr<Rules>& rules) {
     const auto always = [rules] { return rules->HasActive(); };
     add("Add Form", always, NewComponentKind::Form);
     add(
-        "Add MDI Form", [rules] { return rules->CanAddMdiForm(); }, NewComponentKind::MDIForm);
+        "Add MDI Form", [rules] { return rules->CanAdd(NewComponentKind::MDIForm); },
+        NewComponentKind::MDIForm);
     add("Add Module", always, NewComponentKind::Module);
     add("Add Class Module", always, NewComponentKind::Class);
     add("Add User Control", always, NewComponentKind::UserControl);
     add("Add Property Page", always, NewComponentKind::PropertyPage);
     add(
-        "Add User Document", [rules] { return rules->CanAddUserDocument(); },
+        "Add User Document", [rules] { return rules->CanAdd(NewComponentKind::UserDocument); },
         NewComponentKind::UserDocument);
 
     bar.PutMenu("&Add-Ins");

@@ -18,6 +18,7 @@ namespace {
 
 struct KindInfo {
     NewComponentKind kind;
+    env::ComponentType type;
     std::string_view word;
     std::string_view baseName;
     std::string_view extension;
@@ -25,15 +26,19 @@ struct KindInfo {
 };
 
 constexpr KindInfo kKinds[] = {
-    {NewComponentKind::Form, "form", "Form", ".frm", EntryKind::Form},
-    {NewComponentKind::MDIForm, "mdiform", "MDIForm", ".frm", EntryKind::Form},
-    {NewComponentKind::Module, "module", "Module", ".bas", EntryKind::Module},
-    {NewComponentKind::Class, "class", "Class", ".cls", EntryKind::Class},
-    {NewComponentKind::UserControl, "usercontrol", "UserControl", ".ctl", EntryKind::UserControl},
-    {NewComponentKind::PropertyPage, "propertypage", "PropertyPage", ".pag",
-     EntryKind::PropertyPage},
-    {NewComponentKind::UserDocument, "userdocument", "UserDocument", ".dob",
-     EntryKind::UserDocument},
+    {NewComponentKind::Form, env::ComponentType::VBForm, "form", "Form", ".frm", EntryKind::Form},
+    {NewComponentKind::MDIForm, env::ComponentType::VBMDIForm, "mdiform", "MDIForm", ".frm",
+     EntryKind::Form},
+    {NewComponentKind::Module, env::ComponentType::StdModule, "module", "Module", ".bas",
+     EntryKind::Module},
+    {NewComponentKind::Class, env::ComponentType::ClassModule, "class", "Class", ".cls",
+     EntryKind::Class},
+    {NewComponentKind::UserControl, env::ComponentType::UserControl, "usercontrol", "UserControl",
+     ".ctl", EntryKind::UserControl},
+    {NewComponentKind::PropertyPage, env::ComponentType::PropPage, "propertypage", "PropertyPage",
+     ".pag", EntryKind::PropertyPage},
+    {NewComponentKind::UserDocument, env::ComponentType::DocObject, "userdocument", "UserDocument",
+     ".dob", EntryKind::UserDocument},
 };
 
 const KindInfo& InfoOf(NewComponentKind kind) {
@@ -118,6 +123,42 @@ std::optional<NewComponentKind> NewComponentKindNamed(std::string_view word) {
         if (info.word == lower) return info.kind;
     }
     return std::nullopt;
+}
+
+std::optional<NewComponentKind> NewComponentKindOf(env::ComponentType type) {
+    for (const KindInfo& info : kKinds) {
+        if (info.type == type) return info.kind;
+    }
+    return std::nullopt;
+}
+
+bool CanAddNewComponent(const DiskProject& project, NewComponentKind kind) {
+    if (kind == NewComponentKind::MDIForm) {
+        for (const auto& component : project.components->items) {
+            if (component->Type() == env::ComponentType::VBMDIForm) return false;
+        }
+    }
+    if (kind == NewComponentKind::UserDocument) {
+        const std::string type =
+            text::ToLower(text::Trim(project.Text().TopLevelValue("Type").value_or("")));
+        return type == "oleexe" || type == "oledll";
+    }
+    return true;
+}
+
+bool HasDesigner(env::ComponentType type) {
+    switch (type) {
+        case env::ComponentType::VBForm:
+        case env::ComponentType::VBMDIForm:
+        case env::ComponentType::MSForm:
+        case env::ComponentType::UserControl:
+        case env::ComponentType::PropPage:
+        case env::ComponentType::DocObject:
+        case env::ComponentType::ActiveXDesigner:
+            return true;
+        default:
+            return false;
+    }
 }
 
 std::string NewComponentText(NewComponentKind kind, std::string_view name) {

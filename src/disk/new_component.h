@@ -27,6 +27,16 @@ enum class NewComponentKind {
 // "propertypage", "userdocument"), ignoring case.
 std::optional<NewComponentKind> NewComponentKindNamed(std::string_view word);
 
+// The kind the Project menu adds for a component type; nullopt for types it cannot add.
+std::optional<NewComponentKind> NewComponentKindOf(env::ComponentType type);
+
+// Whether the Project menu can add the kind to the project now: a project holds at most one
+// MDI form, and user documents live in ActiveX EXE and DLL projects only.
+bool CanAddNewComponent(const DiskProject& project, NewComponentKind kind);
+
+// Whether components of the type have a designer that View Object opens.
+bool HasDesigner(env::ComponentType type);
+
 // The file text for a new component of the kind named `name`, with CRLF line ends.
 std::string NewComponentText(NewComponentKind kind, std::string_view name);
 

@@ -1,8 +1,7 @@
 // dVisualBasic's COM surface: QueryInterface, the connection methods guarded against errors,
 // and IDispatch::Invoke for callers that bind late.
-#include <cwchar>
-
 #include "windows/addin/connection.h"
+#include "windows/com/dispatch_names.h"
 #include "windows/com/error_info.h"
 #include "windows/com/log.h"
 #include "windows/com/variant.h"
@@ -109,16 +108,7 @@ HRESULT dVisualBasic::GetTypeInfo(UINT, LCID, ITypeInfo** info) noexcept {
 
 HRESULT dVisualBasic::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID,
                                     DISPID* ids) noexcept {
-    if (names == nullptr || ids == nullptr || count == 0) return E_INVALIDARG;
-    for (UINT i = 0; i < count; ++i)
-        ids[i] = DISPID_UNKNOWN;
-    for (const NamedMember& member : kMembers) {
-        if (_wcsicmp(member.name, names[0]) == 0) {
-            ids[0] = member.id;
-            return count == 1 ? S_OK : DISP_E_UNKNOWNNAME;
-        }
-    }
-    return DISP_E_UNKNOWNNAME;
+    return com::IdsOfNames(kMembers, names, count, ids);
 }
 
 HRESULT dVisualBasic::Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* params,

@@ -6,8 +6,10 @@
 #include "windows/dialogs/about_box.h"
 #include "windows/dialogs/properties_dialog.h"
 #include "windows/document/doc_addin.h"
+#include "windows/document/document_automation.h"
 #include "windows/ide/com_environment.h"
 #include "windows/ide/ide_front_end.h"
+#include "windows/registry/ansi_text.h"
 
 namespace arbolet::windows::addin {
 namespace {
@@ -58,7 +60,26 @@ class IdeDocument final : public ToolWindowDocument {
         connection_ = nullptr;
     }
 
+    bool DumpTree(const std::string& expand, const std::filesystem::path& out,
+                  std::string& error) override {
+        if (!Loaded(error)) return false;
+        if (DumpDocumentTree(*document_, expand, out)) return true;
+        error = "Cannot write " + WideToUtf8(out.wstring());
+        return false;
+    }
+    bool DumpMenu(const std::string& key, const std::filesystem::path& out,
+                  const std::filesystem::path& screenshot, std::string& error) override {
+        // The picture shows the whole IDE, as a user sees the menu over it.
+        return Loaded(error) && DumpDocumentMenu(*document_, GetAncestor(parent_, GA_ROOT), key,
+                                                 out, screenshot, error);
+    }
+
   private:
+    bool Loaded(std::string& error) const {
+        if (document_) return true;
+        error = "The tool window has no document";
+        return false;
+    }
     void MakeDocument(HWND ideWindow) {
         RECT client{};
         if (document_) {

@@ -8,8 +8,12 @@
 #include <vector>
 
 #include "windows/addin/module_instance.h"
+#include "windows/com/dispatch_names.h"
+#include "windows/com/error_info.h"
 #include "windows/com/log.h"
+#include "windows/com/variant.h"
 #include "windows/com/vbide_ids.h"
+#include "windows/registry/ansi_text.h"
 
 namespace arbolet::windows::addin {
 namespace {
@@ -328,11 +332,65 @@ HRESULT ToolWindowControl::GetTypeInfo(UINT, LCID, ITypeInfo** info) noexcept {
     return E_NOTIMPL;
 }
 
-HRESULT ToolWindowControl::GetIDsOfNames(REFIID, LPOLESTR*, UINT count, LCID,
+namespace {
+
+constexpr DISPID kDispidDumpTree = 1;
+constexpr DISPID kDispidDumpMenu = 2;
+
+struct ControlMember {
+    const wchar_t* name;
+    DISPID id;
+};
+constexpr ControlMember kControlMembers[] = {{L"DumpTree", kDispidDumpTree},
+                                             {L"DumpMenu", kDispidDumpMenu}};
+
+// The text arguments of a call, first to last, in UTF-8; false when one is not text.
+bool TextArguments(const DISPPARAMS& params, std::vector<std::string>& texts, UINT* bad) {
+    for (UINT i = params.cArgs; i-- > 0;) {
+        std::optional<std::string> text = com::Variant::Copy(params.rgvarg[i]).ToUtf8();
+        if (!text) {
+            if (bad != nullptr) *bad = i;
+            return false;
+        }
+        texts.push_back(std::move(*text));
+    }
+    return true;
+}
+
+std::filesystem::path PathOf(const std::string& utf8) {
+    return std::filesystem::path(Utf8ToWide(utf8));
+}
+
+}  // namespace
+
+HRESULT ToolWindowControl::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID,
                                          DISPID* ids) noexcept {
-    for (UINT i = 0; ids != nullptr && i < count; ++i)
-        ids[i] = DISPID_UNKNOWN;
-    return DISP_E_UNKNOWNNAME;
+    return com::IdsOfNames(kControlMembers, names, count, ids);
+}
+
+HRESULT ToolWindowControl::Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* params, VARIANT*,
+                                  EXCEPINFO* exception, UINT* argumentError) noexcept {
+    if (id != kDispidDumpTree && id != kDispidDumpMenu) return DISP_E_MEMBERNOTFOUND;
+    if (params == nullptr) return E_INVALIDARG;
+    if (!(flags & DISPATCH_METHOD)) return DISP_E_MEMBERNOTFOUND;
+    if (params->cNamedArgs != 0) return DISP_E_NONAMEDARGS;
+    const UINT least = id == kDispidDumpTree ? 1 : 2;
+    if (params->cArgs < least || params->cArgs > least + 1) return DISP_E_BADPARAMCOUNT;
+    const HRESULT hr = com::Guarded("Arbolet.docAddIn", [&] {
+        std::vector<std::string> texts;
+        if (!TextArguments(*params, texts, argumentError)) return DISP_E_TYPEMISMATCH;
+        texts.resize(least + 1);
+        std::string error;
+        const bool done =
+            document_ != nullptr &&
+            (id == kDispidDumpTree
+                 ? document_->DumpTree(texts[1], PathOf(texts[0]), error)
+                 : document_->DumpMenu(texts[0], PathOf(texts[1]), PathOf(texts[2]), error));
+        if (done) return S_OK;
+        return com::ReportError(E_FAIL, "Arbolet.docAddIn",
+                                error.empty() ? "The tool window has no document" : error);
+    });
+    return com::ToDispatchException(hr, exception);
 }
 
 HRESULT ToolWindowControl::GetControlInfo(CONTROLINFO* info) noexcept {

@@ -91,15 +91,16 @@ class ToolWindowControl final : public IOleObject,
     }
     HRESULT STDMETHODCALLTYPE EnableModeless(BOOL) noexcept override { return S_OK; }
 
-    // IDispatch: the control has no members of its own.
+    // IDispatch: what the IDE hands back as DocObj. For scripts and tests it offers
+    // DumpTree(out, expand) and DumpMenu(key, out[, screenshot]), which write what the
+    // standalone explorer's --dump-tree and --dump-menu write.
     HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) noexcept override;
     HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo** info) noexcept override;
-    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT count, LCID,
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID,
                                             DISPID* ids) noexcept override;
-    HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
-                                     UINT*) noexcept override {
-        return DISP_E_MEMBERNOTFOUND;
-    }
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* params,
+                                     VARIANT*, EXCEPINFO* exception,
+                                     UINT* argumentError) noexcept override;
 
     // IOleControl
     HRESULT STDMETHODCALLTYPE GetControlInfo(CONTROLINFO* info) noexcept override;

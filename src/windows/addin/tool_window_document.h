@@ -5,7 +5,9 @@
 
 #include <windows.h>
 
+#include <filesystem>
 #include <memory>
+#include <string>
 
 #include "windows/com/dispatch.h"
 
@@ -32,6 +34,15 @@ class ToolWindowDocument {
     virtual void Shown() = 0;
     // Releases everything the document holds and destroys its window.
     virtual void Unload() = 0;
+
+    // For scripts and tests, what the standalone explorer writes for the same projects: the tree
+    // with the components `expand` names opened, and the context menu of the node with `key`
+    // (with a picture of the IDE and the open menu when `screenshot` is named). False, with the
+    // reason in `error`, when the document is not loaded or a dump fails.
+    virtual bool DumpTree(const std::string& expand, const std::filesystem::path& out,
+                          std::string& error) = 0;
+    virtual bool DumpMenu(const std::string& key, const std::filesystem::path& out,
+                          const std::filesystem::path& screenshot, std::string& error) = 0;
 };
 
 // The document the control hosts.

@@ -87,7 +87,7 @@ std::vector<std::uint8_t> EncodePng(const RgbImage& image) {
     return out;
 }
 
-bool WritePng(const std::string& path, const RgbImage& image) {
+bool WritePng(const std::filesystem::path& path, const RgbImage& image) {
     const std::vector<std::uint8_t> bytes = EncodePng(image);
     std::ofstream file(path, std::ios::binary);
     file.write(reinterpret_cast<const char*>(bytes.data()),

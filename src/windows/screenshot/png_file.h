@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,6 @@ struct RgbImage {
 
 // The PNG file's bytes.
 std::vector<std::uint8_t> EncodePng(const RgbImage& image);
-bool WritePng(const std::string& path, const RgbImage& image);
+bool WritePng(const std::filesystem::path& path, const RgbImage& image);
 
 }  // namespace arbolet::windows

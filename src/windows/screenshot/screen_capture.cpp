@@ -60,4 +60,15 @@ int CountPixels(const RgbImage& image, COLORREF colour) {
     return count;
 }
 
+bool SaveWindowPicture(HWND window, const std::filesystem::path& out) {
+    std::vector<HWND> shown{window};
+    // Open menus are top-level windows of the menu class owned by no one.
+    for (HWND menu = FindWindowExW(nullptr, nullptr, L"#32768", nullptr); menu != nullptr;
+         menu = FindWindowExW(nullptr, menu, L"#32768", nullptr)) {
+        if (IsWindowVisible(menu)) shown.push_back(menu);
+    }
+    const RgbImage picture = CaptureScreen(UnionOfWindows(shown));
+    return picture.width != 0 && WritePng(out, picture);
+}
+
 }  // namespace arbolet::windows

@@ -16,6 +16,7 @@
 #include "support/screen_capture.h"
 #include "support/test_window.h"
 #include "windows/com/com_ptr.h"
+#include "windows/com/dispatch.h"
 #include "windows/screenshot/png_file.h"
 
 namespace arbolet::windows {
@@ -92,6 +93,27 @@ class ControlInAtlHost : public ::testing::Test {
         Regsvr32(L"/u /s");
     }
 
+    // Creates the control by its ProgID in a child window of a new frame through Wine's atl;
+    // returns the container's object for it, empty when that fails.
+    ComPtr<IUnknown> CreateInFrame(ComPtr<IUnknown>& container) {
+        auto init = Resolve<AtlAxWinInitFunction>(atl_, "AtlAxWinInit");
+        auto create = Resolve<AtlAxCreateControlFunction>(atl_, "AtlAxCreateControl");
+        auto getControl = Resolve<AtlAxGetControlFunction>(atl_, "AtlAxGetControl");
+        ComPtr<IUnknown> object;
+        // AtlAxWinInit answers FALSE when an earlier test registered its window class already.
+        if (!init || !create || !getControl) return object;
+        init();
+        frame_ = CreateWindowExW(0, L"STATIC", L"Arbolet tool window test",
+                                 WS_OVERLAPPEDWINDOW | WS_VISIBLE, 40, 40, 260, 360, nullptr,
+                                 nullptr, GetModuleHandleW(nullptr), nullptr);
+        HWND host = CreateWindowExW(0, L"STATIC", L"", WS_CHILD | WS_VISIBLE, 0, 0, 240, 320,
+                                    frame_, nullptr, GetModuleHandleW(nullptr), nullptr);
+        if (create(L"Quorlin.docAddIn", host, nullptr, container.Put()) != S_OK) return object;
+        PumpMessagesFor(200);
+        getControl(host, object.Put());
+        return object;
+    }
+
     HMODULE atl_ = nullptr;
     HWND frame_ = nullptr;
     std::string logPath_;
@@ -166,6 +188,48 @@ TEST_F(ControlInAtlHost, IsCreatedByProgIdActivatedInPlaceFollowsItsSiteAndDraws
     frame_ = nullptr;
     PumpMessagesFor(50);
     EXPECT_FALSE(IsWindow(control)) << "the control's window goes with its container";
+}
+
+// What a host calls on DocObj to read the tool window back: the members are found by name in
+// any letter case, check their arguments, and report a failure with its reason.
+TEST_F(ControlInAtlHost, DocObjDumpsTheDocumentAndSaysWhyWhenItCannot) {
+    ASSERT_NE(atl_, nullptr) << "Wine's atl.dll";
+    ComPtr<IUnknown> container;
+    const ComPtr<IUnknown> object = CreateInFrame(container);
+    ASSERT_TRUE(object);
+    const ComPtr<IDispatch> document = object.As<IDispatch>(IID_IDispatch);
+    ASSERT_TRUE(document);
+
+    DISPID id = 0;
+    LPOLESTR names[] = {const_cast<LPOLESTR>(L"dumpMENU"), const_cast<LPOLESTR>(L"Key")};
+    EXPECT_EQ(document->GetIDsOfNames(IID_NULL, names, 1, 0, &id), S_OK);
+    LPOLESTR unknown[] = {const_cast<LPOLESTR>(L"DumpEverything")};
+    DISPID none = 0;
+    EXPECT_EQ(document->GetIDsOfNames(IID_NULL, unknown, 1, 0, &none), DISP_E_UNKNOWNNAME);
+    DISPID pair[2] = {};
+    EXPECT_EQ(document->GetIDsOfNames(IID_NULL, names, 2, 0, pair), DISP_E_UNKNOWNNAME)
+        << "parameter names are not known";
+    DISPPARAMS tooFew{nullptr, nullptr, 0, 0};
+    EXPECT_EQ(
+        document->Invoke(id, IID_NULL, 0, DISPATCH_METHOD, &tooFew, nullptr, nullptr, nullptr),
+        DISP_E_BADPARAMCOUNT);
+
+    // Without projects the tree is empty, and no node has any key.
+    char folder[MAX_PATH] = {};
+    GetTempPathA(MAX_PATH, folder);
+    const std::string out = std::string(folder) + "arbolet_docobj_tree.json";
+    std::remove(out.c_str());
+    const com::Dispatch late(document.Get());
+    EXPECT_NO_THROW(late.Call({L"DumpTree", DISPID_UNKNOWN, "docAddIn"}, {com::Variant(out)}));
+    EXPECT_EQ(ReadText(out).rfind("{\"nodes\":[]", 0), 0u) << ReadText(out);
+    try {
+        late.Call({L"DumpMenu", DISPID_UNKNOWN, "docAddIn"},
+                  {com::Variant("NoSuchNode~"), com::Variant(out + ".menu")});
+        ADD_FAILURE() << "a menu for a node that does not exist";
+    } catch (const VbError& error) {
+        EXPECT_EQ(error.Description, "No node has the key NoSuchNode~");
+    }
+    std::remove(out.c_str());
 }
 
 }  // namespace

@@ -9,6 +9,8 @@
 namespace arbolet::explorer_app::testing {
 namespace {
 
+using windows::testing::Centre;
+
 class ExplorerEditingTest : public ExplorerWindowTest {
   protected:
     // Edits the label in the control's own edit box and ends the edit as Enter does.
@@ -21,20 +23,6 @@ class ExplorerEditingTest : public ExplorerWindowTest {
         SetWindowTextW(edit, newText);
         SendMessageW(Tree().hWnd(), TVM_ENDEDITLABELNOW, FALSE, 0);
         windows::testing::PumpMessages();
-    }
-
-    // A mouse event at a point of the screen, for the system's input queue.
-    static INPUT Mouse(POINT at, DWORD flags) {
-        INPUT input{};
-        input.type = INPUT_MOUSE;
-        input.mi.dx = MulDiv(at.x, 65535, GetSystemMetrics(SM_CXSCREEN) - 1);
-        input.mi.dy = MulDiv(at.y, 65535, GetSystemMetrics(SM_CYSCREEN) - 1);
-        input.mi.dwFlags = flags | MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE;
-        return input;
-    }
-
-    static POINT Centre(const RECT& area) {
-        return {(area.left + area.right) / 2, (area.top + area.bottom) / 2};
     }
 };
 
@@ -76,14 +64,7 @@ TEST_F(ExplorerEditingTest, DraggingAComponentOntoAFolderMovesItThere) {
     Press("Type~Stock Logic~Inventory", VK_RIGHT);
     const POINT from = Centre(ScreenRect(source));
     const POINT to = Centre(ScreenRect(target));
-    // All at once: the control watches for the drag in a loop of its own after the press.
-    INPUT gesture[] = {Mouse(from, 0),
-                       Mouse(from, MOUSEEVENTF_LEFTDOWN),
-                       Mouse({from.x + 12, from.y + 12}, 0),
-                       Mouse({to.x, to.y + 1}, 0),
-                       Mouse(to, 0),
-                       Mouse(to, MOUSEEVENTF_LEFTUP)};
-    SendInput(static_cast<UINT>(std::size(gesture)), gesture, sizeof(INPUT));
+    windows::testing::DragMouse(from, to);
     windows::testing::PumpMessagesFor(300);
 
     ASSERT_TRUE(Tree().Exists(source));

@@ -1,6 +1,8 @@
 // Test windows that count the messages their own procedure sees.
 #include "support/test_window.h"
 
+#include <iterator>
+
 namespace arbolet::windows::testing {
 namespace {
 
@@ -97,6 +99,29 @@ void PressKey(WORD virtualKey) noexcept {
     inputs[1] = inputs[0];
     inputs[1].ki.dwFlags = KEYEVENTF_KEYUP;
     SendInput(2, inputs, sizeof(INPUT));
+}
+
+INPUT MouseAt(POINT screen, DWORD flags) noexcept {
+    INPUT input{};
+    input.type = INPUT_MOUSE;
+    input.mi.dx = MulDiv(screen.x, 65535, GetSystemMetrics(SM_CXSCREEN) - 1);
+    input.mi.dy = MulDiv(screen.y, 65535, GetSystemMetrics(SM_CYSCREEN) - 1);
+    input.mi.dwFlags = flags | MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE;
+    return input;
+}
+
+void DragMouse(POINT from, POINT to) noexcept {
+    INPUT gesture[] = {MouseAt(from, 0),
+                       MouseAt(from, MOUSEEVENTF_LEFTDOWN),
+                       MouseAt({from.x + 12, from.y + 12}, 0),
+                       MouseAt({to.x, to.y + 1}, 0),
+                       MouseAt(to, 0),
+                       MouseAt(to, MOUSEEVENTF_LEFTUP)};
+    SendInput(static_cast<UINT>(std::size(gesture)), gesture, sizeof(INPUT));
+}
+
+POINT Centre(const RECT& area) noexcept {
+    return {(area.left + area.right) / 2, (area.top + area.bottom) / 2};
 }
 
 }  // namespace arbolet::windows::testing

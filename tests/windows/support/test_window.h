@@ -45,5 +45,13 @@ void PumpMessagesFor(DWORD milliseconds) noexcept;
 bool Activate(HWND hWnd) noexcept;
 // Sends a key press and release through the system's input queue.
 void PressKey(WORD virtualKey) noexcept;
+// A mouse event at a point of the screen, moving the pointer there, for SendInput; `flags` adds
+// the buttons (MOUSEEVENTF_LEFTDOWN, ...).
+INPUT MouseAt(POINT screen, DWORD flags) noexcept;
+// Drags with the left button from one point of the screen to another, all in one go: a control
+// watches for the drag in a loop of its own after the press.
+void DragMouse(POINT from, POINT to) noexcept;
+// The middle of a rectangle.
+POINT Centre(const RECT& area) noexcept;
 
 }  // namespace arbolet::windows::testing

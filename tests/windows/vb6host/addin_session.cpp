@@ -117,7 +117,7 @@ HRESULT AddInConnection::Connect(const AddInEntry& entry, int mode) {
                                   reinterpret_cast<void**>(object_.Put()));
     if (FAILED(hr)) return hr;
     // The IDE asks for the connection interface before it connects.
-    if (!object_.As<IUnknown>(vbide::kIidIDTExtensibility2)) {
+    if (!object_.As<IUnknown>(vbide::ids::IID_IDTExtensibility2)) {
         object_.Reset();
         return E_NOINTERFACE;
     }
@@ -140,14 +140,14 @@ HRESULT AddInConnection::Connect(const AddInEntry& entry, int mode) {
     arguments[2].vt = VT_DISPATCH;
     arguments[2].pdispVal = addInObject.Get();
     arguments[3] = custom.ByRef();
-    hr = Invoke(vbide::kOnConnection, std::move(arguments));
+    hr = Invoke(vbide::ids::IDTExtensibility2::OnConnection, std::move(arguments));
     addIn.connected = SUCCEEDED(hr);
     return hr;
 }
 
 HRESULT AddInConnection::StartupComplete() {
     CustomArgument custom;
-    return Invoke(vbide::kOnStartupComplete, {custom.ByRef()});
+    return Invoke(vbide::ids::IDTExtensibility2::OnStartupComplete, {custom.ByRef()});
 }
 
 HRESULT AddInConnection::Disconnect() {
@@ -156,7 +156,8 @@ HRESULT AddInConnection::Disconnect() {
     VariantInit(&mode);
     mode.vt = VT_I4;
     mode.lVal = 1;  // ext_dm_UserClosed
-    const HRESULT hr = Invoke(vbide::kOnDisconnection, {mode, custom.ByRef()});
+    const HRESULT hr =
+        Invoke(vbide::ids::IDTExtensibility2::OnDisconnection, {mode, custom.ByRef()});
     context_.AddIn()->connected = false;
     context_.CloseToolWindows();
     Release();

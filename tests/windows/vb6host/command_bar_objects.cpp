@@ -63,20 +63,20 @@ BarControlRef FindControl(const std::vector<CommandBarRef>& bars, const Argument
 // ---- CommandBars ----
 
 constexpr Member kBarsMembers[] = {
-    {L"Item", vbide::kItem, kGet},
-    {L"_NewEnum", vbide::kNewEnum, kCall},
+    {vbide::members::VBProjects::Item, kGet},
+    {L"_NewEnum", DISPID_NEWENUM, kCall},
     {L"Application", vbide::kBarsApplication, kGet},
     {L"Creator", vbide::kBarsCreator, kGet},
     {L"ActiveMenuBar", vbide::kBarsActiveMenuBar, kGet},
-    {L"Add", vbide::kBarsAdd, kCall},
-    {L"Count", vbide::kBarsCount, kGet},
-    {L"FindControl", vbide::kBarsFindControl, kCall},
+    {vbide::members::CommandBars::Add, kCall},
+    {vbide::members::CommandBars::Count, kGet},
+    {vbide::members::CommandBars::FindControl, kCall},
     {L"Parent", vbide::kBarsParent, kGet},
 };
 
 }  // namespace
 
-const InterfaceInfo CommandBarsObject::kInterface = {L"CommandBars", vbide::kIidCommandBars};
+const InterfaceInfo CommandBarsObject::kInterface = {L"CommandBars", vbide::ids::IID_CommandBars};
 
 CommandBarsObject::CommandBarsObject(std::shared_ptr<HostContext> context,
                                      std::shared_ptr<CommandBarModel> model)
@@ -85,7 +85,7 @@ CommandBarsObject::CommandBarsObject(std::shared_ptr<HostContext> context,
 void CommandBarsObject::Run(DISPID id, const Call& call) {
     HostContext& context = Context();
     switch (id) {
-        case vbide::kItem: {
+        case vbide::members::VBProjects::Item.id: {
             const VARIANT& index = call.args.At(0);
             CommandBarRef bar;
             if (IsText(index)) {
@@ -99,7 +99,7 @@ void CommandBarsObject::Run(DISPID id, const Call& call) {
             if (!bar) RaiseInvalidArgument("CommandBars.Item");
             return call.ReturnObject(BarObjectFor(context, bar).Get());
         }
-        case vbide::kNewEnum: {
+        case DISPID_NEWENUM: {
             std::vector<ComPtr<IDispatch>> items;
             for (const CommandBarRef& bar : model_->Bars())
                 items.push_back(BarObjectFor(context, bar));
@@ -112,7 +112,7 @@ void CommandBarsObject::Run(DISPID id, const Call& call) {
             return call.ReturnLong(kCreator);
         case vbide::kBarsActiveMenuBar:
             return call.ReturnObject(BarObjectFor(context, model_->FindBar(L"Menu Bar")).Get());
-        case vbide::kBarsAdd: {
+        case vbide::members::CommandBars::Add.id: {
             std::wstring name = call.args.Has(0) ? call.args.String(0) : L"Custom";
             if (model_->FindBar(name)) RaiseInvalidArgument("CommandBars.Add");
             const bool menuBar = call.args.Has(2) && call.args.Bool(2);
@@ -121,9 +121,9 @@ void CommandBarsObject::Run(DISPID id, const Call& call) {
             model_->Changed();
             return call.ReturnObject(BarObjectFor(context, bar).Get());
         }
-        case vbide::kBarsCount:
+        case vbide::members::CommandBars::Count.id:
             return call.ReturnLong(static_cast<std::int32_t>(model_->Bars().size()));
-        case vbide::kBarsFindControl:
+        case vbide::members::CommandBars::FindControl.id:
             return call.ReturnObject(
                 ControlObjectFor(context, FindControl(model_->Bars(), call.args)).Get());
     }
@@ -136,20 +136,20 @@ constexpr Member kBarMembers[] = {
     {L"Application", vbide::kBarApplication, kGet},
     {L"Creator", vbide::kBarCreator, kGet},
     {L"BuiltIn", vbide::kBarBuiltIn, kGet},
-    {L"Controls", vbide::kBarControls, kGet},
+    {vbide::members::CommandBar::Controls, kGet},
     {L"Enabled", vbide::kBarEnabled, kGet},
     {L"FindControl", vbide::kBarFindControl, kCall},
     {L"Index", vbide::kBarIndex, kGet},
-    {L"Name", vbide::kBarName, kGet},
+    {vbide::members::CommandBar::Name, kGet},
     {L"NameLocal", vbide::kBarNameLocal, kGet},
     {L"Parent", vbide::kBarParent, kGet},
     {L"Type", vbide::kBarType, kGet},
-    {L"Visible", vbide::kBarVisible, kGet},
+    {vbide::members::CommandBar::Visible, kGet},
     {L"accName", vbide::kAccName, kGet},
 };
 }  // namespace
 
-const InterfaceInfo CommandBarObject::kInterface = {L"CommandBar", vbide::kIidCommandBar};
+const InterfaceInfo CommandBarObject::kInterface = {L"CommandBar", vbide::ids::IID_CommandBar};
 
 CommandBarObject::CommandBarObject(std::shared_ptr<HostContext> context, CommandBarRef bar)
     : DispatchObject(std::move(context), kInterface, kBarMembers), bar_(std::move(bar)) {}
@@ -168,7 +168,7 @@ void CommandBarObject::Run(DISPID id, const Call& call) {
             return call.ReturnLong(kCreator);
         case vbide::kBarBuiltIn:
             return call.ReturnBool(bar_->builtIn);
-        case vbide::kBarControls:
+        case vbide::members::CommandBar::Controls.id:
             return call.ReturnObject(context.Wrap<ControlsObject>(bar_->controls).Get());
         case vbide::kBarEnabled:
             return call.ReturnBool(true);
@@ -181,13 +181,13 @@ void CommandBarObject::Run(DISPID id, const Call& call) {
             return call.ReturnLong(
                 found == bars.end() ? 0 : static_cast<std::int32_t>(found - bars.begin()) + 1);
         }
-        case vbide::kBarName:
+        case vbide::members::CommandBar::Name.id:
         case vbide::kBarNameLocal:
         case vbide::kAccName:
             return call.ReturnString(bar_->name);
         case vbide::kBarType:
             return call.ReturnLong(bar_->type);
-        case vbide::kBarVisible:
+        case vbide::members::CommandBar::Visible.id:
             if (call.isPut) {
                 bar_->visible = Arguments::ToBool(call.args.Value());
                 context.Bars().Changed();
@@ -201,18 +201,18 @@ void CommandBarObject::Run(DISPID id, const Call& call) {
 
 namespace {
 constexpr Member kControlsMembers[] = {
-    {L"Item", vbide::kItem, kGet},
-    {L"_NewEnum", vbide::kNewEnum, kCall},
+    {vbide::members::VBProjects::Item, kGet},
+    {L"_NewEnum", DISPID_NEWENUM, kCall},
     {L"Application", vbide::kControlsApplication, kGet},
     {L"Creator", vbide::kControlsCreator, kGet},
-    {L"Add", vbide::kControlsAdd, kCall},
-    {L"Count", vbide::kControlsCount, kGet},
+    {vbide::members::CommandBarControls::Add, kCall},
+    {vbide::members::CommandBarControls::Count, kGet},
     {L"Parent", vbide::kControlsParent, kGet},
 };
 }  // namespace
 
 const InterfaceInfo ControlsObject::kInterface = {L"CommandBarControls",
-                                                  vbide::kIidCommandBarControls};
+                                                  vbide::ids::IID_CommandBarControls};
 
 ControlsObject::ControlsObject(std::shared_ptr<HostContext> context,
                                std::shared_ptr<ControlList> controls)
@@ -222,10 +222,10 @@ ControlsObject::ControlsObject(std::shared_ptr<HostContext> context,
 void ControlsObject::Run(DISPID id, const Call& call) {
     HostContext& context = Context();
     switch (id) {
-        case vbide::kItem:
+        case vbide::members::VBProjects::Item.id:
             return call.ReturnObject(
                 ControlObjectFor(context, ItemOfList(*controls_, call.args.At(0))).Get());
-        case vbide::kNewEnum: {
+        case DISPID_NEWENUM: {
             std::vector<ComPtr<IDispatch>> items;
             for (const BarControlRef& control : controls_->Items())
                 items.push_back(ControlObjectFor(context, control));
@@ -235,7 +235,7 @@ void ControlsObject::Run(DISPID id, const Call& call) {
             return call.ReturnObject(VbeObjectFor(context).Get());
         case vbide::kControlsCreator:
             return call.ReturnLong(kCreator);
-        case vbide::kControlsAdd: {
+        case vbide::members::CommandBarControls::Add.id: {
             const std::int32_t type = call.args.Has(0) ? call.args.Long(0) : kControlButton;
             if (type != kControlButton && type != kControlPopup) {
                 RaiseInvalidArgument("CommandBarControls.Add");
@@ -244,7 +244,7 @@ void ControlsObject::Run(DISPID id, const Call& call) {
             if (call.args.Has(3)) before = call.args.Long(3);
             return call.ReturnObject(ControlObjectFor(context, controls_->Add(type, before)).Get());
         }
-        case vbide::kControlsCount:
+        case vbide::members::CommandBarControls::Count.id:
             return call.ReturnLong(static_cast<std::int32_t>(controls_->Items().size()));
         case vbide::kControlsParent:
             return call.ReturnObject(BarObjectFor(context, controls_->Bar()).Get());
@@ -255,35 +255,39 @@ void ControlsObject::Run(DISPID id, const Call& call) {
 
 namespace {
 
-#define ARBOLET_CONTROL_MEMBERS                                                                   \
-    {L"Application", vbide::kControlApplication, kGet},                                           \
-        {L"Creator", vbide::kControlCreator, kGet},                                               \
-        {L"BeginGroup", vbide::kControlBeginGroup, kGet},                                         \
-        {L"BuiltIn", vbide::kControlBuiltIn, kGet}, {L"Caption", vbide::kControlCaption, kGet},   \
-        {L"Delete", vbide::kControlDelete, kCall},                                                \
-        {L"DescriptionText", vbide::kControlDescriptionText, kGet},                               \
-        {L"Enabled", vbide::kControlEnabled, kGet}, {L"Execute", vbide::kControlExecute, kCall},  \
-        {L"Id", vbide::kControlId, kGet}, {L"Index", vbide::kControlIndex, kGet},                 \
-        {L"OnAction", vbide::kControlOnAction, kGet}, {L"Parent", vbide::kControlParent, kGet},   \
-        {L"Parameter", vbide::kControlParameter, kGet}, {L"Tag", vbide::kControlTag, kGet},       \
-        {L"TooltipText", vbide::kControlTooltipText, kGet}, {L"Type", vbide::kControlType, kGet}, \
-        {L"Visible", vbide::kControlVisible, kGet}, {L"accName", vbide::kAccName, kGet}, {        \
-        L"accDoDefaultAction", vbide::kAccDoDefaultAction, kCall                                  \
+#define ARBOLET_CONTROL_MEMBERS                                                                    \
+    {L"Application", vbide::kControlApplication, kGet},                                            \
+        {L"Creator", vbide::kControlCreator, kGet},                                                \
+        {vbide::members::CommandBarControl::BeginGroup, kGet},                                     \
+        {L"BuiltIn", vbide::kControlBuiltIn, kGet},                                                \
+        {vbide::members::CommandBarControl::Caption, kGet},                                        \
+        {vbide::members::CommandBarControl::Delete, kCall},                                        \
+        {L"DescriptionText", vbide::kControlDescriptionText, kGet},                                \
+        {vbide::members::CommandBarControl::Enabled, kGet},                                        \
+        {vbide::members::CommandBarControl::Execute, kCall},                                       \
+        {vbide::members::CommandBarControl::Id, kGet}, {L"Index", vbide::kControlIndex, kGet},     \
+        {vbide::members::CommandBarControl::OnAction, kGet},                                       \
+        {L"Parent", vbide::kControlParent, kGet}, {L"Parameter", vbide::kControlParameter, kGet},  \
+        {vbide::members::CommandBarControl::Tag, kGet},                                            \
+        {vbide::members::CommandBarControl::TooltipText, kGet},                                    \
+        {vbide::members::CommandBarControl::Type, kGet},                                           \
+        {vbide::members::CommandBarControl::Visible, kGet}, {L"accName", vbide::kAccName, kGet}, { \
+        L"accDoDefaultAction", vbide::members::CommandBarControl::accDoDefaultAction.id, kCall     \
     }
 
 constexpr Member kButtonMembers[] = {
     ARBOLET_CONTROL_MEMBERS,
     {L"BuiltInFace", vbide::kButtonBuiltInFace, kGet},
-    {L"FaceId", vbide::kButtonFaceId, kGet},
+    {vbide::members::CommandBarButton::FaceId, kGet},
     {L"ShortcutText", vbide::kButtonShortcutText, kGet},
     {L"State", vbide::kButtonState, kGet},
-    {L"Style", vbide::kButtonStyle, kGet},
+    {vbide::members::CommandBarButton::Style, kGet},
 };
 
 constexpr Member kPopupMembers[] = {
     ARBOLET_CONTROL_MEMBERS,
     {L"CommandBar", vbide::kPopupCommandBar, kGet},
-    {L"Controls", vbide::kPopupControls, kGet},
+    {vbide::members::CommandBarPopup::Controls, kGet},
 };
 #undef ARBOLET_CONTROL_MEMBERS
 
@@ -327,7 +331,7 @@ std::string ControlObject::Describe() const {
 }
 
 void* ControlObject::QueryOther(REFIID iid) noexcept {
-    if (iid == vbide::kIidCommandBarControl) return static_cast<IDispatch*>(this);
+    if (iid == vbide::ids::IID_CommandBarControl) return static_cast<IDispatch*>(this);
     return nullptr;
 }
 
@@ -344,47 +348,47 @@ void ControlObject::Run(DISPID id, const Call& call) {
             return call.ReturnObject(VbeObjectFor(context).Get());
         case vbide::kControlCreator:
             return call.ReturnLong(kCreator);
-        case vbide::kControlBeginGroup:
+        case vbide::members::CommandBarControl::BeginGroup.id:
             return BoolProperty(call, c.beginGroup, model);
         case vbide::kControlBuiltIn:
             return call.ReturnBool(c.builtIn);
-        case vbide::kControlCaption:
+        case vbide::members::CommandBarControl::Caption.id:
         case vbide::kAccName:
             return TextProperty(call, c.caption, model);
-        case vbide::kControlDelete: {
+        case vbide::members::CommandBarControl::Delete.id: {
             const auto owner = c.owner.lock();
             owner->Remove(c);
             return;
         }
         case vbide::kControlDescriptionText:
             return TextProperty(call, c.descriptionText, model);
-        case vbide::kControlEnabled:
+        case vbide::members::CommandBarControl::Enabled.id:
             if (call.isPut) return BoolProperty(call, c.enabled, model);
             return call.ReturnBool(c.Enabled());
-        case vbide::kControlExecute:
-        case vbide::kAccDoDefaultAction:
+        case vbide::members::CommandBarControl::Execute.id:
+        case vbide::members::CommandBarControl::accDoDefaultAction.id:
             context.RunControl(control_);
             return;
-        case vbide::kControlId:
+        case vbide::members::CommandBarControl::Id.id:
             return call.ReturnLong(c.id);
         case vbide::kControlIndex: {
             const auto& items = c.owner.lock()->Items();
             const auto found = std::find(items.begin(), items.end(), control_);
             return call.ReturnLong(static_cast<std::int32_t>(found - items.begin()) + 1);
         }
-        case vbide::kControlOnAction:
+        case vbide::members::CommandBarControl::OnAction.id:
             return TextProperty(call, c.onAction, model);
         case vbide::kControlParent:
             return call.ReturnObject(BarObjectFor(context, c.owner.lock()->Bar()).Get());
         case vbide::kControlParameter:
             return TextProperty(call, c.parameter, model);
-        case vbide::kControlTag:
+        case vbide::members::CommandBarControl::Tag.id:
             return TextProperty(call, c.tag, model);
-        case vbide::kControlTooltipText:
+        case vbide::members::CommandBarControl::TooltipText.id:
             return TextProperty(call, c.tooltip, model);
-        case vbide::kControlType:
+        case vbide::members::CommandBarControl::Type.id:
             return call.ReturnLong(c.type);
-        case vbide::kControlVisible:
+        case vbide::members::CommandBarControl::Visible.id:
             return BoolProperty(call, c.visible, model);
         default:
             if (!RunOwn(id, call))
@@ -392,7 +396,8 @@ void ControlObject::Run(DISPID id, const Call& call) {
     }
 }
 
-const InterfaceInfo ButtonObject::kInterface = {L"CommandBarButton", vbide::kIidCommandBarButton};
+const InterfaceInfo ButtonObject::kInterface = {L"CommandBarButton",
+                                                vbide::ids::IID_CommandBarButton};
 
 ButtonObject::ButtonObject(std::shared_ptr<HostContext> context, BarControlRef control)
     : ControlObject(std::move(context), kInterface, kButtonMembers, std::move(control)) {}
@@ -404,7 +409,7 @@ bool ButtonObject::RunOwn(DISPID id, const Call& call) {
         case vbide::kButtonBuiltInFace:
             call.ReturnBool(c.builtIn && c.faceId == 0);
             return true;
-        case vbide::kButtonFaceId:
+        case vbide::members::CommandBarButton::FaceId.id:
             LongProperty(call, c.faceId, model);
             return true;
         case vbide::kButtonShortcutText:
@@ -413,14 +418,14 @@ bool ButtonObject::RunOwn(DISPID id, const Call& call) {
         case vbide::kButtonState:
             LongProperty(call, c.state, model);
             return true;
-        case vbide::kButtonStyle:
+        case vbide::members::CommandBarButton::Style.id:
             LongProperty(call, c.style, model);
             return true;
     }
     return false;
 }
 
-const InterfaceInfo PopupObject::kInterface = {L"CommandBarPopup", vbide::kIidCommandBarPopup};
+const InterfaceInfo PopupObject::kInterface = {L"CommandBarPopup", vbide::ids::IID_CommandBarPopup};
 
 PopupObject::PopupObject(std::shared_ptr<HostContext> context, BarControlRef control)
     : ControlObject(std::move(context), kInterface, kPopupMembers, std::move(control)) {}
@@ -431,7 +436,7 @@ bool PopupObject::RunOwn(DISPID id, const Call& call) {
         case vbide::kPopupCommandBar:
             call.ReturnObject(BarObjectFor(context, control_->subBar).Get());
             return true;
-        case vbide::kPopupControls:
+        case vbide::members::CommandBarPopup::Controls.id:
             call.ReturnObject(context.Wrap<ControlsObject>(control_->subBar->controls).Get());
             return true;
     }

@@ -1,11 +1,11 @@
 // IUnknown and IDispatch for the emulated IDE's objects, with VB's argument conventions.
 #include "vb6host/dispatch_object.h"
 
-#include <cwctype>
 #include <new>
 
 #include "base/vb_error.h"
 #include "vb6host/host_context.h"
+#include "windows/com/dispatch_names.h"
 #include "windows/com/variant.h"
 #include "windows/registry/ansi_text.h"
 
@@ -33,13 +33,6 @@ void ConvertTo(const VARIANT& value, VARTYPE type, windows::com::Variant& out) {
     if (FAILED(VariantChangeType(out.Get(), const_cast<VARIANT*>(&value), 0, type))) {
         RaiseTypeMismatch();
     }
-}
-
-bool SameNameIgnoringCase(const wchar_t* a, const wchar_t* b) {
-    for (; *a != 0 && *b != 0; ++a, ++b) {
-        if (std::towlower(*a) != std::towlower(*b)) return false;
-    }
-    return *a == *b;
 }
 
 HRESULT ExceptionFrom(const VbError& error, EXCEPINFO* exception) {
@@ -220,24 +213,12 @@ HRESULT DispatchObject::GetTypeInfo(UINT, LCID, ITypeInfo** info) noexcept {
 
 HRESULT DispatchObject::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID,
                                       DISPID* ids) noexcept {
-    if (names == nullptr || ids == nullptr || count == 0) return E_INVALIDARG;
-    HRESULT hr = S_OK;
-    for (UINT i = 0; i < count; ++i)
-        ids[i] = DISPID_UNKNOWN;
-    for (const Member& member : members_) {
-        if (names[0] != nullptr && SameNameIgnoringCase(member.name, names[0])) {
-            ids[0] = member.dispid;
-            break;
-        }
-    }
-    // Names of parameters are not known: callers pass arguments by position.
-    if (ids[0] == DISPID_UNKNOWN || count > 1) hr = DISP_E_UNKNOWNNAME;
-    return hr;
+    return windows::com::IdsOfNames(members_, names, count, ids);
 }
 
 const Member* DispatchObject::Find(DISPID id) const noexcept {
     for (const Member& member : members_) {
-        if (member.dispid == id) return &member;
+        if (member.id == id) return &member;
     }
     return nullptr;
 }

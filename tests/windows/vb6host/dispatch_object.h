@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "windows/com/com_ptr.h"
+#include "windows/com/vbide_ids.h"
 
 namespace arbolet::vb6host {
 
@@ -23,9 +24,16 @@ class HostContext;
 
 enum class MemberKind { Property, Method };
 
+// A member the object answers for: by its entry in the add-in's identifier header, or by name
+// and DISPID for the members the add-in never calls.
 struct Member {
+    constexpr Member(const windows::com::DispMember& member, MemberKind memberKind)
+        : name(member.name), id(member.id), kind(memberKind) {}
+    constexpr Member(const wchar_t* memberName, DISPID memberId, MemberKind memberKind)
+        : name(memberName), id(memberId), kind(memberKind) {}
+
     const wchar_t* name;
-    DISPID dispid;
+    DISPID id;
     MemberKind kind;
 };
 

@@ -43,15 +43,21 @@ class ProjectsBridge final : public env::VBProjectsEventsSink {
   public:
     ProjectsBridge(HostContext& context, ConnectionPoint& point)
         : context_(context), point_(point) {}
-    void ItemAdded(const env::VBProjectRef& p) override { Fire(vbide::kItemAdded, p); }
-    void ItemRemoved(const env::VBProjectRef& p) override { Fire(vbide::kItemRemoved, p); }
+    void ItemAdded(const env::VBProjectRef& p) override {
+        Fire(vbide::ids::VBComponentsEvents::ItemAdded, p);
+    }
+    void ItemRemoved(const env::VBProjectRef& p) override {
+        Fire(vbide::ids::VBComponentsEvents::ItemRemoved, p);
+    }
     void ItemRenamed(const env::VBProjectRef& p, std::string_view oldName) override {
         std::vector<VARIANT> arguments{ObjectArgument(ProjectObjectFor(context_, p)),
                                        StringArgument(oldName)};
-        point_.Fire(vbide::kItemRenamed, arguments);
+        point_.Fire(vbide::ids::VBComponentsEvents::ItemRenamed, arguments);
         Clear(arguments);
     }
-    void ItemActivated(const env::VBProjectRef& p) override { Fire(vbide::kProjectActivated, p); }
+    void ItemActivated(const env::VBProjectRef& p) override {
+        Fire(vbide::ids::VBProjectsEvents::ItemActivated, p);
+    }
 
   private:
     void Fire(DISPID id, const env::VBProjectRef& project) {
@@ -67,17 +73,27 @@ class ComponentsBridge final : public env::VBComponentsEventsSink {
   public:
     ComponentsBridge(HostContext& context, ConnectionPoint& point)
         : context_(context), point_(point) {}
-    void ItemAdded(const env::VBComponentRef& c) override { Fire(vbide::kItemAdded, c); }
-    void ItemRemoved(const env::VBComponentRef& c) override { Fire(vbide::kItemRemoved, c); }
+    void ItemAdded(const env::VBComponentRef& c) override {
+        Fire(vbide::ids::VBComponentsEvents::ItemAdded, c);
+    }
+    void ItemRemoved(const env::VBComponentRef& c) override {
+        Fire(vbide::ids::VBComponentsEvents::ItemRemoved, c);
+    }
     void ItemRenamed(const env::VBComponentRef& c, std::string_view oldName) override {
         std::vector<VARIANT> arguments{ObjectArgument(ComponentObjectFor(context_, c)),
                                        StringArgument(oldName)};
-        point_.Fire(vbide::kItemRenamed, arguments);
+        point_.Fire(vbide::ids::VBComponentsEvents::ItemRenamed, arguments);
         Clear(arguments);
     }
-    void ItemSelected(const env::VBComponentRef& c) override { Fire(vbide::kItemSelected, c); }
-    void ItemActivated(const env::VBComponentRef& c) override { Fire(vbide::kItemActivated, c); }
-    void ItemReloaded(const env::VBComponentRef& c) override { Fire(vbide::kItemReloaded, c); }
+    void ItemSelected(const env::VBComponentRef& c) override {
+        Fire(vbide::ids::VBComponentsEvents::ItemSelected, c);
+    }
+    void ItemActivated(const env::VBComponentRef& c) override {
+        Fire(vbide::ids::VBComponentsEvents::ItemActivated, c);
+    }
+    void ItemReloaded(const env::VBComponentRef& c) override {
+        Fire(vbide::ids::VBComponentsEvents::ItemReloaded, c);
+    }
 
   private:
     void Fire(DISPID id, const env::VBComponentRef& component) {
@@ -188,7 +204,8 @@ void FireClick(ConnectionPoint& point, IDispatch* control, bool& handled, bool& 
     arguments[1].pboolVal = &handledFlag;
     arguments[2].vt = VT_BOOL | VT_BYREF;
     arguments[2].pboolVal = &cancelFlag;
-    point.Fire(vbide::kClick, arguments);  // nothing here to clear: all borrowed
+    point.Fire(vbide::ids::CommandBarControlEvents::Click,
+               arguments);  // nothing here to clear: all borrowed
     handled = handledFlag != VARIANT_FALSE;
     cancelDefault = cancelFlag != VARIANT_FALSE;
 }
@@ -235,7 +252,7 @@ const InterfaceInfo ProjectsEventsObject::kInterface = {L"VBProjectsEvents",
 
 ProjectsEventsObject::ProjectsEventsObject(std::shared_ptr<HostContext> context,
                                            std::shared_ptr<env::VBProjectsEvents> source)
-    : EventSourceObject(std::move(context), kInterface, vbide::kDiidVBProjectsEvents),
+    : EventSourceObject(std::move(context), kInterface, vbide::ids::DIID_VBProjectsEvents),
       source_(std::move(source)) {}
 
 ProjectsEventsObject::~ProjectsEventsObject() {
@@ -255,7 +272,7 @@ const InterfaceInfo ComponentsEventsObject::kInterface = {L"VBComponentsEvents",
 
 ComponentsEventsObject::ComponentsEventsObject(std::shared_ptr<HostContext> context,
                                                std::shared_ptr<env::VBComponentsEvents> source)
-    : EventSourceObject(std::move(context), kInterface, vbide::kDiidVBComponentsEvents),
+    : EventSourceObject(std::move(context), kInterface, vbide::ids::DIID_VBComponentsEvents),
       source_(std::move(source)) {}
 
 ComponentsEventsObject::~ComponentsEventsObject() {
@@ -275,7 +292,7 @@ const InterfaceInfo CommandBarEventsObject::kInterface = {L"CommandBarEvents",
 
 CommandBarEventsObject::CommandBarEventsObject(std::shared_ptr<HostContext> context,
                                                BarControlRef control)
-    : EventSourceObject(std::move(context), kInterface, vbide::kDiidCommandBarControlEvents),
+    : EventSourceObject(std::move(context), kInterface, vbide::ids::DIID_CommandBarControlEvents),
       control_(std::move(control)) {
     Context().AddClickSource(control_.get(), &Point());
 }
@@ -288,13 +305,13 @@ CommandBarEventsObject::~CommandBarEventsObject() {
 
 namespace {
 constexpr Member kEventsMembers[] = {
-    {L"VBProjectsEvents", vbide::kEventsVBProjectsEvents, MemberKind::Property},
-    {L"VBComponentsEvents", vbide::kEventsVBComponentsEvents, MemberKind::Property},
-    {L"CommandBarEvents", vbide::kEventsCommandBarEvents, MemberKind::Property},
+    {L"VBProjectsEvents", vbide::members::Events::VBProjectsEvents.id, MemberKind::Property},
+    {L"VBComponentsEvents", vbide::members::Events::VBComponentsEvents.id, MemberKind::Property},
+    {L"CommandBarEvents", vbide::members::Events::CommandBarEvents.id, MemberKind::Property},
 };
 }  // namespace
 
-const InterfaceInfo EventsObject::kInterface = {L"Events", vbide::kIidEvents};
+const InterfaceInfo EventsObject::kInterface = {L"Events", vbide::ids::IID_Events};
 
 EventsObject::EventsObject(std::shared_ptr<HostContext> context,
                            std::shared_ptr<env::Events> events)
@@ -308,17 +325,17 @@ void* EventsObject::QueryOther(REFIID iid) noexcept {
 
 void EventsObject::Run(DISPID id, const Call& call) {
     switch (id) {
-        case vbide::kEventsVBProjectsEvents:
+        case vbide::members::Events::VBProjectsEvents.id:
             call.ReturnObject(
                 Context().Wrap<ProjectsEventsObject>(events_->VBProjectsEvents()).Get());
             return;
-        case vbide::kEventsVBComponentsEvents: {
+        case vbide::members::Events::VBComponentsEvents.id: {
             const env::VBProjectRef project = ProjectOf(call.args.Object(0));
             call.ReturnObject(
                 Context().Wrap<ComponentsEventsObject>(events_->VBComponentsEvents(project)).Get());
             return;
         }
-        case vbide::kEventsCommandBarEvents: {
+        case vbide::members::Events::CommandBarEvents.id: {
             const BarControlRef control = ControlOf(call.args.Object(0));
             if (!control)
                 throw VbError(5, "Events.CommandBarEvents", "Invalid procedure call or argument");

@@ -6,7 +6,9 @@
 
 #include "base/utf8.h"
 #include "base/vb_error.h"
+#include "disk/disk_objects.h"
 #include "disk/file_io.h"
+#include "disk/new_component.h"
 #include "disk/project_file.h"
 #include "disk/vb_path.h"
 #include "environment/event_hub.h"
@@ -18,75 +20,6 @@ namespace fs = std::filesystem;
 using env::ComponentType;
 
 namespace {
-
-struct NewComponentKind {
-    ComponentType type;
-    const char* baseName;  // the IDE's name for new components of the kind, before the number
-    const char* extension;
-    const char* designer;  // the class after Begin; nullptr for modules and classes
-};
-
-constexpr NewComponentKind kNewKinds[] = {
-    {ComponentType::VBForm, "Form", ".frm", "VB.Form"},
-    {ComponentType::VBMDIForm, "MDIForm", ".frm", "VB.MDIForm"},
-    {ComponentType::StdModule, "Module", ".bas", nullptr},
-    {ComponentType::ClassModule, "Class", ".cls", nullptr},
-    {ComponentType::UserControl, "UserControl", ".ctl", "VB.UserControl"},
-    {ComponentType::PropPage, "PropertyPage", ".pag", "VB.PropertyPage"},
-    {ComponentType::DocObject, "UserDocument", ".dob", "VB.UserDocument"},
-};
-
-const NewComponentKind* KindOf(ComponentType type) {
-    for (const NewComponentKind& kind : kNewKinds) {
-        if (kind.type == type) return &kind;
-    }
-    return nullptr;
-}
-
-// The text of a new, empty component file, as the IDE saves one.
-std::string NewComponentText(const NewComponentKind& kind, const std::string& name) {
-    std::string text;
-    if (kind.type == ComponentType::ClassModule) {
-        text = "VERSION 1.0 CLASS\r\nBEGIN\r\n  MultiUse = -1  'True\r\nEND\r\n";
-    } else if (kind.designer != nullptr) {
-        text = std::string("VERSION 5.00\r\nBegin ") + kind.designer + " " + name + "\r\n";
-        if (kind.type == ComponentType::VBForm || kind.type == ComponentType::VBMDIForm) {
-            text += "   Caption         =   \"" + name + "\"\r\n";
-        }
-        text += "   ClientHeight    =   3195\r\n   ClientWidth     =   4680\r\nEnd\r\n";
-    }
-    text += "Attribute VB_Name = \"" + name + "\"\r\n";
-    if (kind.type != ComponentType::StdModule) {
-        const bool predeclared = kind.type == ComponentType::VBForm ||
-                                 kind.type == ComponentType::VBMDIForm ||
-                                 kind.type == ComponentType::PropPage;
-        text += "Attribute VB_GlobalNameSpace = False\r\n";
-        text += std::string("Attribute VB_Creatable = ") +
-                (kind.type == ComponentType::ClassModule ? "True" : "False") + "\r\n";
-        text += std::string("Attribute VB_PredeclaredId = ") + (predeclared ? "True" : "False") +
-                "\r\n";
-        text += "Attribute VB_Exposed = False\r\n";
-    }
-    return text;
-}
-
-bool ProjectHasComponentNamed(const env::VBProject& project, const std::string& name) {
-    const auto components = project.VBComponents();
-    if (!components) return false;
-    for (std::int32_t i = 1; i <= components->Count(); ++i) {
-        if (text::ToLower(components->Item(i)->Name()) == text::ToLower(name)) return true;
-    }
-    return false;
-}
-
-bool ProjectHasType(const env::VBProject& project, ComponentType type) {
-    const auto components = project.VBComponents();
-    if (!components) return false;
-    for (std::int32_t i = 1; i <= components->Count(); ++i) {
-        if (components->Item(i)->Type() == type) return true;
-    }
-    return false;
-}
 
 void RaiseComponentEvent(HostContext& context, const env::VBComponentRef& component,
                          void (env::VBComponentsEventsSink::*event)(const env::VBComponentRef&)) {
@@ -118,50 +51,24 @@ ProjectType TypeOfProject(const env::VBProject& project) {
     return ProjectType::StandardExe;
 }
 
+// The host's projects are projects on disk: the Project menu's rules and new components are
+// theirs.
+disk::DiskProject* DiskProjectOf(const env::VBProject& project) {
+    return dynamic_cast<disk::DiskProject*>(const_cast<env::VBProject*>(&project));
+}
+
 bool CanAdd(const env::VBProject& project, ComponentType type) {
-    switch (type) {
-        case ComponentType::VBMDIForm:
-            return !ProjectHasType(project, ComponentType::VBMDIForm);
-        case ComponentType::DocObject: {
-            const ProjectType projectType = TypeOfProject(project);
-            return projectType == ProjectType::ActiveXExe || projectType == ProjectType::ActiveXDll;
-        }
-        default:
-            return KindOf(type) != nullptr;
-    }
+    const auto kind = disk::NewComponentKindOf(type);
+    const disk::DiskProject* onDisk = DiskProjectOf(project);
+    return kind && onDisk != nullptr && disk::CanAddNewComponent(*onDisk, *kind);
 }
 
 env::VBComponentRef AddNewComponent(const env::VBProjectRef& project, ComponentType type) {
     constexpr const char* kSource = "VBComponents.Add";
     if (!project) throw VbError(91, kSource, "Object variable not set");
-    const NewComponentKind* kind = KindOf(type);
-    if (kind == nullptr || !CanAdd(*project, type)) {
-        throw VbError(5, kSource, "Invalid procedure call or argument");
-    }
-    const fs::path folder = disk::PathFromUtf8(project->FileName()).parent_path();
-    for (int number = 1;; ++number) {
-        const std::string name = kind->baseName + std::to_string(number);
-        const fs::path file = folder / disk::PathFromUtf8(name + kind->extension);
-        std::error_code ec;
-        if (ProjectHasComponentNamed(*project, name) || fs::exists(file, ec)) continue;
-        disk::WriteFileAtomic(file, NewComponentText(*kind, name));
-        return project->VBComponents()->AddFile(disk::PathToUtf8(file));
-    }
-}
-
-bool HasDesigner(ComponentType type) {
-    switch (type) {
-        case ComponentType::VBForm:
-        case ComponentType::VBMDIForm:
-        case ComponentType::MSForm:
-        case ComponentType::UserControl:
-        case ComponentType::PropPage:
-        case ComponentType::DocObject:
-        case ComponentType::ActiveXDesigner:
-            return true;
-        default:
-            return false;
-    }
+    if (!CanAdd(*project, type)) throw VbError(5, kSource, "Invalid procedure call or argument");
+    return disk::AddNewComponent(*DiskProjectOf(*project), *disk::NewComponentKindOf(type),
+                                 std::nullopt);
 }
 
 void ShowCode(HostContext& context, const env::VBComponentRef& component) {
@@ -175,7 +82,7 @@ void ShowCode(HostContext& context, const env::VBComponentRef& component) {
 }
 
 void ShowDesigner(HostContext& context, const env::VBComponentRef& component) {
-    if (!component || !HasDesigner(component->Type())) {
+    if (!component || !disk::HasDesigner(component->Type())) {
         throw VbError(5, "VBComponent.Activate", "Invalid procedure call or argument");
     }
     Select(context, component);
@@ -242,7 +149,7 @@ void BuildIdeCommandBars(HostContext& context) {
         view, L"O&bject", [host, selected] { ShowDesigner(*host, selected()); },
         [selected] {
             const auto c = selected();
-            return c && HasDesigner(c->Type());
+            return c && disk::HasDesigner(c->Type());
         });
 
     struct AddCommand {

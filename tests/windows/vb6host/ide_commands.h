@@ -24,13 +24,11 @@ enum class ProjectType : std::int32_t {
 ProjectType TypeOfProject(const env::VBProject& project);
 
 // Writes a new, empty component file of that kind beside the project, named as the IDE names
-// new components (Form1, Module2, ...), and adds it to the project, which raises ItemAdded.
+// new components (Form1, Module2, ...), and adds it to the project, which raises ItemAdded;
+// raises VB's error 5 for a kind the project cannot take.
 env::VBComponentRef AddNewComponent(const env::VBProjectRef& project, env::ComponentType type);
 // Whether the project can take a new component of that kind, as the Project menu says.
 bool CanAdd(const env::VBProject& project, env::ComponentType type);
-
-// Whether the component has a designer that View Object opens.
-bool HasDesigner(env::ComponentType type);
 
 // Selects the component and opens its code window, as View Code does.
 void ShowCode(HostContext& context, const env::VBComponentRef& component);

@@ -4,6 +4,7 @@
 #include <new>
 
 #include "base/vb_error.h"
+#include "disk/new_component.h"
 #include "disk/vb_path.h"
 #include "vb6host/command_bar_objects.h"
 #include "vb6host/event_objects.h"
@@ -149,21 +150,21 @@ env::VBComponentRef ComponentOf(IDispatch* object) {
 
 namespace {
 constexpr Member kVbeMembers[] = {
-    {L"Name", vbide::kVbeName, kGet},
-    {L"Version", vbide::kVbeVersion, kGet},
-    {L"VBProjects", vbide::kVbeVBProjects, kGet},
-    {L"CommandBars", vbide::kVbeCommandBars, kGet},
-    {L"Windows", vbide::kVbeWindows, kGet},
-    {L"Events", vbide::kVbeEvents, kGet},
-    {L"Addins", vbide::kVbeAddins, kGet},
-    {L"ActiveVBProject", vbide::kVbeActiveVBProject, kGet},
-    {L"SelectedVBComponent", vbide::kVbeSelectedVBComponent, kGet},
-    {L"MainWindow", vbide::kVbeMainWindow, kGet},
-    {L"ActiveCodePane", vbide::kVbeActiveCodePane, kGet},
+    {vbide::members::VBE::Name, kGet},
+    {vbide::members::VBE::Version, kGet},
+    {vbide::members::VBE::VBProjects, kGet},
+    {vbide::members::VBE::CommandBars, kGet},
+    {vbide::members::VBE::Windows, kGet},
+    {vbide::members::VBE::Events, kGet},
+    {vbide::members::VBE::Addins, kGet},
+    {vbide::members::VBE::ActiveVBProject, kGet},
+    {vbide::members::VBE::SelectedVBComponent, kGet},
+    {vbide::members::VBE::MainWindow, kGet},
+    {vbide::members::VBE::ActiveCodePane, kGet},
 };
 }  // namespace
 
-const InterfaceInfo VbeObject::kInterface = {L"VBE", vbide::kIidVBE};
+const InterfaceInfo VbeObject::kInterface = {L"VBE", vbide::ids::IID_VBE};
 
 VbeObject::VbeObject(std::shared_ptr<HostContext> context,
                      std::shared_ptr<disk::DiskEnvironment> env)
@@ -172,32 +173,32 @@ VbeObject::VbeObject(std::shared_ptr<HostContext> context,
 void VbeObject::Run(DISPID id, const Call& call) {
     HostContext& context = Context();
     switch (id) {
-        case vbide::kVbeName:
+        case vbide::members::VBE::Name.id:
             return call.ReturnString(L"Microsoft Visual Basic");
-        case vbide::kVbeVersion:
+        case vbide::members::VBE::Version.id:
             return call.ReturnString(L"6.00");
-        case vbide::kVbeVBProjects:
+        case vbide::members::VBE::VBProjects.id:
             return call.ReturnObject(context.Wrap<ProjectsObject>(env_->VBProjects()).Get());
-        case vbide::kVbeCommandBars:
+        case vbide::members::VBE::CommandBars.id:
             return call.ReturnObject(CommandBarsObjectFor(context).Get());
-        case vbide::kVbeWindows:
+        case vbide::members::VBE::Windows.id:
             return call.ReturnObject(WindowsObjectFor(context).Get());
-        case vbide::kVbeEvents:
+        case vbide::members::VBE::Events.id:
             return call.ReturnObject(context.Wrap<EventsObject>(env_->Events()).Get());
-        case vbide::kVbeAddins:
+        case vbide::members::VBE::Addins.id:
             return call.ReturnObject(context.Wrap<AddInsObject>(context.AddIn()).Get());
-        case vbide::kVbeActiveVBProject:
+        case vbide::members::VBE::ActiveVBProject.id:
             if (call.isPut) {
                 env_->SetActiveVBProject(ProjectOf(Arguments::ToObject(call.args.Value())));
                 return;
             }
             return call.ReturnObject(ProjectObjectFor(context, env_->ActiveVBProject()).Get());
-        case vbide::kVbeSelectedVBComponent:
+        case vbide::members::VBE::SelectedVBComponent.id:
             return call.ReturnObject(
                 ComponentObjectFor(context, context.SelectedComponent()).Get());
-        case vbide::kVbeMainWindow:
+        case vbide::members::VBE::MainWindow.id:
             return call.ReturnObject(MainWindowObjectFor(context).Get());
-        case vbide::kVbeActiveCodePane: {
+        case vbide::members::VBE::ActiveCodePane.id: {
             if (call.isPut) {
                 throw VbError(383, "VBE.ActiveCodePane", "Property is read-only");
             }
@@ -212,18 +213,18 @@ void VbeObject::Run(DISPID id, const Call& call) {
 
 namespace {
 constexpr Member kProjectsMembers[] = {
-    {L"Item", vbide::kItem, kCall},
-    {L"_NewEnum", vbide::kNewEnum, kCall},
+    {vbide::members::VBProjects::Item, kCall},
+    {L"_NewEnum", DISPID_NEWENUM, kCall},
     {L"Parent", vbide::kProjectsParent, kGet},
-    {L"Count", vbide::kProjectsCount, kGet},
+    {vbide::members::VBProjects::Count, kGet},
     {L"VBE", vbide::kProjectsVBE, kGet},
     {L"AddFromFile", vbide::kProjectsAddFromFile, kCall},
     {L"Remove", vbide::kProjectsRemove, kCall},
-    {L"StartProject", vbide::kProjectsStartProject, kGet},
+    {vbide::members::VBProjects::StartProject, kGet},
 };
 }  // namespace
 
-const InterfaceInfo ProjectsObject::kInterface = {L"VBProjects", vbide::kIidVBProjects};
+const InterfaceInfo ProjectsObject::kInterface = {L"VBProjects", vbide::ids::IID_VBProjects};
 
 ProjectsObject::ProjectsObject(std::shared_ptr<HostContext> context,
                                std::shared_ptr<env::VBProjects> projects)
@@ -233,16 +234,16 @@ ProjectsObject::ProjectsObject(std::shared_ptr<HostContext> context,
 void ProjectsObject::Run(DISPID id, const Call& call) {
     HostContext& context = Context();
     switch (id) {
-        case vbide::kItem:
+        case vbide::members::VBProjects::Item.id:
             return call.ReturnObject(ProjectObjectFor(context, ItemOf(*projects_, call)).Get());
-        case vbide::kNewEnum:
+        case DISPID_NEWENUM:
             return ReturnEnumerator(call, AllOf(*projects_, [&](const env::VBProjectRef& p) {
                                         return ProjectObjectFor(context, p);
                                     }));
         case vbide::kProjectsParent:
         case vbide::kProjectsVBE:
             return call.ReturnObject(VbeObjectFor(context).Get());
-        case vbide::kProjectsCount:
+        case vbide::members::VBProjects::Count.id:
             return call.ReturnLong(projects_->Count());
         case vbide::kProjectsAddFromFile: {
             const auto added = context.Environment().AddFromFile(
@@ -252,7 +253,7 @@ void ProjectsObject::Run(DISPID id, const Call& call) {
         case vbide::kProjectsRemove:
             context.Environment().RemoveProject(ProjectOf(call.args.Object(0)));
             return;
-        case vbide::kProjectsStartProject:
+        case vbide::members::VBProjects::StartProject.id:
             if (call.isPut) {
                 projects_->SetStartProject(ProjectOf(Arguments::ToObject(call.args.Value())));
                 return;
@@ -265,16 +266,16 @@ void ProjectsObject::Run(DISPID id, const Call& call) {
 
 namespace {
 constexpr Member kProjectMembers[] = {
-    {L"Name", vbide::kProjectName, kGet},
-    {L"FileName", vbide::kProjectFileName, kGet},
+    {vbide::members::VBProject::Name, kGet},
+    {vbide::members::VBProject::FileName, kGet},
     {L"IsDirty", vbide::kProjectIsDirty, kGet},
-    {L"WriteProperty", vbide::kProjectWriteProperty, kCall},
-    {L"ReadProperty", vbide::kProjectReadProperty, kCall},
+    {vbide::members::VBProject::WriteProperty, kCall},
+    {vbide::members::VBProject::ReadProperty, kCall},
     {L"VBE", vbide::kProjectVBE, kGet},
-    {L"Collection", vbide::kProjectCollection, kGet},
-    {L"Type", vbide::kProjectType, kGet},
-    {L"Saved", vbide::kProjectSaved, kGet},
-    {L"VBComponents", vbide::kProjectVBComponents, kGet},
+    {vbide::members::VBProject::Collection, kGet},
+    {vbide::members::VBProject::Type, kGet},
+    {vbide::members::VBProject::Saved, kGet},
+    {vbide::members::VBProject::VBComponents, kGet},
 };
 
 bool ProjectChanged(const HostContext& context, const env::VBProject& project) {
@@ -287,7 +288,7 @@ bool ProjectChanged(const HostContext& context, const env::VBProject& project) {
 }
 }  // namespace
 
-const InterfaceInfo ProjectObject::kInterface = {L"VBProject", vbide::kIidVBProject};
+const InterfaceInfo ProjectObject::kInterface = {L"VBProject", vbide::ids::IID_VBProject};
 
 ProjectObject::ProjectObject(std::shared_ptr<HostContext> context, env::VBProjectRef project)
     : DispatchObject(std::move(context), kInterface, kProjectMembers),
@@ -300,33 +301,33 @@ std::string ProjectObject::Describe() const {
 void ProjectObject::Run(DISPID id, const Call& call) {
     HostContext& context = Context();
     switch (id) {
-        case vbide::kProjectName:
+        case vbide::members::VBProject::Name.id:
             if (call.isPut) {
                 project_->SetName(WideToUtf8(Arguments::ToString(call.args.Value())));
                 return;
             }
             return call.ReturnUtf8(project_->Name());
-        case vbide::kProjectFileName:
+        case vbide::members::VBProject::FileName.id:
             return call.ReturnUtf8(project_->FileName());
         case vbide::kProjectIsDirty:
             return call.ReturnBool(ProjectChanged(context, *project_));
-        case vbide::kProjectSaved:
+        case vbide::members::VBProject::Saved.id:
             return call.ReturnBool(!ProjectChanged(context, *project_));
-        case vbide::kProjectWriteProperty:
+        case vbide::members::VBProject::WriteProperty.id:
             project_->WriteProperty(WideToUtf8(call.args.String(0)),
                                     WideToUtf8(call.args.String(1)),
                                     WideToUtf8(call.args.String(2)));
             return;
-        case vbide::kProjectReadProperty:
+        case vbide::members::VBProject::ReadProperty.id:
             return call.ReturnUtf8(project_->ReadProperty(WideToUtf8(call.args.String(0)),
                                                           WideToUtf8(call.args.String(1))));
         case vbide::kProjectVBE:
             return call.ReturnObject(VbeObjectFor(context).Get());
-        case vbide::kProjectCollection:
+        case vbide::members::VBProject::Collection.id:
             return call.ReturnObject(context.Wrap<ProjectsObject>(project_->Collection()).Get());
-        case vbide::kProjectType:
+        case vbide::members::VBProject::Type.id:
             return call.ReturnLong(static_cast<std::int32_t>(TypeOfProject(*project_)));
-        case vbide::kProjectVBComponents:
+        case vbide::members::VBProject::VBComponents.id:
             return call.ReturnObject(
                 context.Wrap<ComponentsObject>(project_->VBComponents()).Get());
     }
@@ -336,18 +337,14 @@ void ProjectObject::Run(DISPID id, const Call& call) {
 
 namespace {
 constexpr Member kComponentsMembers[] = {
-    {L"Item", vbide::kItem, kCall},
-    {L"_NewEnum", vbide::kNewEnum, kCall},
-    {L"Parent", vbide::kComponentsParent, kGet},
-    {L"Count", vbide::kComponentsCount, kGet},
-    {L"Remove", vbide::kComponentsRemove, kCall},
-    {L"Add", vbide::kComponentsAdd, kCall},
-    {L"VBE", vbide::kComponentsVBE, kGet},
-    {L"AddFile", vbide::kComponentsAddFile, kCall},
+    {vbide::members::VBProjects::Item, kCall},     {L"_NewEnum", DISPID_NEWENUM, kCall},
+    {vbide::members::VBComponents::Parent, kGet},  {vbide::members::VBComponents::Count, kGet},
+    {vbide::members::VBComponents::Remove, kCall}, {vbide::members::VBComponents::Add, kCall},
+    {L"VBE", vbide::kComponentsVBE, kGet},         {vbide::members::VBComponents::AddFile, kCall},
 };
 }  // namespace
 
-const InterfaceInfo ComponentsObject::kInterface = {L"VBComponents", vbide::kIidVBComponents};
+const InterfaceInfo ComponentsObject::kInterface = {L"VBComponents", vbide::ids::IID_VBComponents};
 
 ComponentsObject::ComponentsObject(std::shared_ptr<HostContext> context,
                                    std::shared_ptr<env::VBComponents> components)
@@ -357,30 +354,30 @@ ComponentsObject::ComponentsObject(std::shared_ptr<HostContext> context,
 void ComponentsObject::Run(DISPID id, const Call& call) {
     HostContext& context = Context();
     switch (id) {
-        case vbide::kItem:
+        case vbide::members::VBProjects::Item.id:
             return call.ReturnObject(ComponentObjectFor(context, ItemOf(*components_, call)).Get());
-        case vbide::kNewEnum:
+        case DISPID_NEWENUM:
             return ReturnEnumerator(call, AllOf(*components_, [&](const env::VBComponentRef& c) {
                                         return ComponentObjectFor(context, c);
                                     }));
-        case vbide::kComponentsParent:
+        case vbide::members::VBComponents::Parent.id:
             return call.ReturnObject(ProjectObjectFor(context, components_->Parent()).Get());
-        case vbide::kComponentsCount:
+        case vbide::members::VBComponents::Count.id:
             return call.ReturnLong(components_->Count());
-        case vbide::kComponentsRemove: {
+        case vbide::members::VBComponents::Remove.id: {
             const auto component = ComponentOf(call.args.Object(0));
             if (!component) throw VbError(91, "VBComponents.Remove", "Object variable not set");
             components_->Remove(component);
             return;
         }
-        case vbide::kComponentsAdd: {
+        case vbide::members::VBComponents::Add.id: {
             const auto type = static_cast<env::ComponentType>(call.args.Long(0));
             return call.ReturnObject(
                 ComponentObjectFor(context, AddNewComponent(components_->Parent(), type)).Get());
         }
         case vbide::kComponentsVBE:
             return call.ReturnObject(VbeObjectFor(context).Get());
-        case vbide::kComponentsAddFile:
+        case vbide::members::VBComponents::AddFile.id:
             return call.ReturnObject(
                 ComponentObjectFor(context, components_->AddFile(WideToUtf8(call.args.String(0))))
                     .Get());
@@ -391,22 +388,22 @@ void ComponentsObject::Run(DISPID id, const Call& call) {
 
 namespace {
 constexpr Member kComponentMembers[] = {
-    {L"IsDirty", vbide::kComponentIsDirty, kGet},
-    {L"FileNames", vbide::kComponentFileNames, kGet},
-    {L"FileCount", vbide::kComponentFileCount, kGet},
-    {L"Name", vbide::kComponentName, kGet},
-    {L"CodeModule", vbide::kComponentCodeModule, kGet},
-    {L"Type", vbide::kComponentType, kGet},
+    {vbide::members::VBComponent::IsDirty, kGet},
+    {vbide::members::VBComponent::FileNames, kGet},
+    {vbide::members::VBComponent::FileCount, kGet},
+    {vbide::members::VBComponent::Name, kGet},
+    {vbide::members::VBComponent::CodeModule, kGet},
+    {vbide::members::VBComponent::Type, kGet},
     {L"VBE", vbide::kComponentVBE, kGet},
-    {L"Collection", vbide::kComponentCollection, kGet},
+    {vbide::members::VBComponent::Collection, kGet},
     {L"HasOpenDesigner", vbide::kComponentHasOpenDesigner, kGet},
-    {L"ReadProperty", vbide::kComponentReadProperty, kCall},
-    {L"WriteProperty", vbide::kComponentWriteProperty, kCall},
-    {L"Activate", vbide::kComponentActivate, kCall},
+    {vbide::members::VBComponent::ReadProperty, kCall},
+    {vbide::members::VBComponent::WriteProperty, kCall},
+    {vbide::members::VBComponent::Activate, kCall},
 };
 }  // namespace
 
-const InterfaceInfo ComponentObject::kInterface = {L"VBComponent", vbide::kIidVBComponent};
+const InterfaceInfo ComponentObject::kInterface = {L"VBComponent", vbide::ids::IID_VBComponent};
 
 ComponentObject::ComponentObject(std::shared_ptr<HostContext> context,
                                  env::VBComponentRef component)
@@ -420,47 +417,47 @@ std::string ComponentObject::Describe() const {
 void ComponentObject::Run(DISPID id, const Call& call) {
     HostContext& context = Context();
     switch (id) {
-        case vbide::kComponentIsDirty: {
+        case vbide::members::VBComponent::IsDirty.id: {
             const auto changed = context.Environment().ChangedFiles();
             const auto path = disk::PathFromUtf8(component_->FileNames(1));
             return call.ReturnBool(std::find(changed.begin(), changed.end(), path) !=
                                    changed.end());
         }
-        case vbide::kComponentFileNames: {
+        case vbide::members::VBComponent::FileNames.id: {
             const std::int32_t index = call.args.Long(0);
             if (index < 1 || index > component_->FileCount()) {
                 throw VbError(9, "VBComponent.FileNames", "Subscript out of range");
             }
             return call.ReturnUtf8(component_->FileNames(static_cast<std::int16_t>(index)));
         }
-        case vbide::kComponentFileCount:
+        case vbide::members::VBComponent::FileCount.id:
             return call.ReturnLong(component_->FileCount());
-        case vbide::kComponentName:
+        case vbide::members::VBComponent::Name.id:
             if (call.isPut) {
                 component_->SetName(WideToUtf8(Arguments::ToString(call.args.Value())));
                 return;
             }
             return call.ReturnUtf8(component_->Name());
-        case vbide::kComponentCodeModule:
+        case vbide::members::VBComponent::CodeModule.id:
             if (!component_->CodeModule()) return call.ReturnObject(nullptr);
             return call.ReturnObject(context.Wrap<CodeModuleObject>(component_).Get());
-        case vbide::kComponentType:
+        case vbide::members::VBComponent::Type.id:
             return call.ReturnLong(static_cast<std::int32_t>(component_->Type()));
         case vbide::kComponentVBE:
             return call.ReturnObject(VbeObjectFor(context).Get());
-        case vbide::kComponentCollection:
+        case vbide::members::VBComponent::Collection.id:
             return call.ReturnObject(
                 context.Wrap<ComponentsObject>(component_->Collection()).Get());
         case vbide::kComponentHasOpenDesigner:
             return call.ReturnBool(context.DesignerOpened(component_.get()) > 0);
-        case vbide::kComponentReadProperty:
+        case vbide::members::VBComponent::ReadProperty.id:
             return call.ReturnUtf8(component_->ReadProperty(WideToUtf8(call.args.String(0))));
-        case vbide::kComponentWriteProperty:
+        case vbide::members::VBComponent::WriteProperty.id:
             component_->WriteProperty(WideToUtf8(call.args.String(0)),
                                       WideToUtf8(call.args.String(1)));
             return;
-        case vbide::kComponentActivate:
-            if (HasDesigner(component_->Type())) {
+        case vbide::members::VBComponent::Activate.id:
+            if (disk::HasDesigner(component_->Type())) {
                 ShowDesigner(context, component_);
             } else {
                 ShowCode(context, component_);
@@ -473,12 +470,9 @@ void ComponentObject::Run(DISPID id, const Call& call) {
 
 namespace {
 constexpr Member kCodeModuleMembers[] = {
-    {L"Parent", vbide::kCodeModuleParent, kGet},
-    {L"VBE", vbide::kCodeModuleVBE, kGet},
-    {L"Name", vbide::kCodeModuleName, kGet},
-    {L"Lines", vbide::kCodeModuleLines, kGet},
-    {L"CountOfLines", vbide::kCodeModuleCountOfLines, kGet},
-    {L"CodePane", vbide::kCodeModuleCodePane, kGet},
+    {L"Parent", vbide::kCodeModuleParent, kGet},      {L"VBE", vbide::kCodeModuleVBE, kGet},
+    {L"Name", vbide::kCodeModuleName, kGet},          {vbide::members::CodeModule::Lines, kGet},
+    {vbide::members::CodeModule::CountOfLines, kGet}, {vbide::members::CodeModule::CodePane, kGet},
 };
 
 std::shared_ptr<env::CodeModule> CodeOf(const env::VBComponent& component) {
@@ -488,7 +482,7 @@ std::shared_ptr<env::CodeModule> CodeOf(const env::VBComponent& component) {
 }
 }  // namespace
 
-const InterfaceInfo CodeModuleObject::kInterface = {L"CodeModule", vbide::kIidCodeModule};
+const InterfaceInfo CodeModuleObject::kInterface = {L"CodeModule", vbide::ids::IID_CodeModule};
 
 CodeModuleObject::CodeModuleObject(std::shared_ptr<HostContext> context,
                                    env::VBComponentRef component)
@@ -504,12 +498,12 @@ void CodeModuleObject::Run(DISPID id, const Call& call) {
             return call.ReturnObject(VbeObjectFor(context).Get());
         case vbide::kCodeModuleName:
             return call.ReturnUtf8(component_->Name());
-        case vbide::kCodeModuleLines:
+        case vbide::members::CodeModule::Lines.id:
             return call.ReturnUtf8(
                 CodeOf(*component_)->Lines(call.args.Long(0), call.args.Long(1)));
-        case vbide::kCodeModuleCountOfLines:
+        case vbide::members::CodeModule::CountOfLines.id:
             return call.ReturnLong(CodeOf(*component_)->CountOfLines());
-        case vbide::kCodeModuleCodePane:
+        case vbide::members::CodeModule::CodePane.id:
             return call.ReturnObject(context.Wrap<CodePaneObject>(component_).Get());
     }
 }
@@ -520,11 +514,11 @@ namespace {
 constexpr Member kCodePaneMembers[] = {
     {L"VBE", vbide::kCodePaneVBE, kGet},
     {L"GetSelection", vbide::kCodePaneGetSelection, kCall},
-    {L"SetSelection", vbide::kCodePaneSetSelection, kCall},
-    {L"TopLine", vbide::kCodePaneTopLine, kGet},
+    {vbide::members::CodePane::SetSelection, kCall},
+    {vbide::members::CodePane::TopLine, kGet},
     {L"CountOfVisibleLines", vbide::kCodePaneCountOfVisibleLines, kGet},
     {L"CodeModule", vbide::kCodePaneCodeModule, kGet},
-    {L"Show", vbide::kCodePaneShow, kCall},
+    {vbide::members::CodePane::Show, kCall},
 };
 
 constexpr std::int32_t kVisibleLines = 40;
@@ -540,7 +534,7 @@ void PutLong(VARIANT& slot, std::int32_t value) {
 }
 }  // namespace
 
-const InterfaceInfo CodePaneObject::kInterface = {L"CodePane", vbide::kIidCodePane};
+const InterfaceInfo CodePaneObject::kInterface = {L"CodePane", vbide::ids::IID_CodePane};
 
 CodePaneObject::CodePaneObject(std::shared_ptr<HostContext> context, env::VBComponentRef component)
     : DispatchObject(std::move(context), kInterface, kCodePaneMembers),
@@ -556,7 +550,7 @@ void CodePaneObject::Run(DISPID id, const Call& call) {
             for (std::size_t i = 0; i < 4; ++i)
                 PutLong(call.args.ByRef(i), pane.selection[i]);
             return;
-        case vbide::kCodePaneSetSelection: {
+        case vbide::members::CodePane::SetSelection.id: {
             const std::int32_t lines = CodeOf(*component_)->CountOfLines();
             for (std::size_t i = 0; i < 4; ++i) {
                 const std::int32_t value = call.args.Long(i);
@@ -572,7 +566,7 @@ void CodePaneObject::Run(DISPID id, const Call& call) {
             }
             return;
         }
-        case vbide::kCodePaneTopLine:
+        case vbide::members::CodePane::TopLine.id:
             if (call.isPut) {
                 pane.topLine = std::max(1, Arguments::ToLong(call.args.Value()));
                 return;
@@ -582,7 +576,7 @@ void CodePaneObject::Run(DISPID id, const Call& call) {
             return call.ReturnLong(kVisibleLines);
         case vbide::kCodePaneCodeModule:
             return call.ReturnObject(context.Wrap<CodeModuleObject>(component_).Get());
-        case vbide::kCodePaneShow:
+        case vbide::members::CodePane::Show.id:
             ShowCode(context, component_);
             return;
     }
@@ -595,20 +589,20 @@ constexpr Member kAddInMembers[] = {
     {L"Description", vbide::kAddInDescription, kGet},
     {L"VBE", vbide::kAddInVBE, kGet},
     {L"Collection", vbide::kAddInCollection, kGet},
-    {L"ProgId", vbide::kAddInProgId, kGet},
+    {vbide::members::AddIn::ProgId, kGet},
     {L"Guid", vbide::kAddInGuid, kGet},
     {L"Connect", vbide::kAddInConnect, kGet},
-    {L"Object", vbide::kAddInObject, kGet},
+    {vbide::members::AddIn::Object, kGet},
 };
 constexpr Member kAddInsMembers[] = {
-    {L"Item", vbide::kItem, kCall},
+    {vbide::members::VBProjects::Item, kCall},
     {L"VBE", vbide::kAddInsVBE, kGet},
     {L"Parent", vbide::kAddInsParent, kGet},
     {L"Count", vbide::kAddInsCount, kGet},
 };
 }  // namespace
 
-const InterfaceInfo AddInObject::kInterface = {L"AddIn", vbide::kIidAddIn};
+const InterfaceInfo AddInObject::kInterface = {L"AddIn", vbide::ids::IID_AddIn};
 
 AddInObject::AddInObject(std::shared_ptr<HostContext> context, std::shared_ptr<AddInData> addIn)
     : DispatchObject(std::move(context), kInterface, kAddInMembers), addIn_(std::move(addIn)) {}
@@ -626,14 +620,14 @@ void AddInObject::Run(DISPID id, const Call& call) {
             return call.ReturnObject(VbeObjectFor(context).Get());
         case vbide::kAddInCollection:
             return call.ReturnObject(context.Wrap<AddInsObject>(addIn_).Get());
-        case vbide::kAddInProgId:
+        case vbide::members::AddIn::ProgId.id:
             return call.ReturnString(addIn_->progId);
         case vbide::kAddInGuid:
             return call.ReturnString(addIn_->guid);
         case vbide::kAddInConnect:
             if (call.isPut) throw VbError(383, "AddIn.Connect", "Property is read-only");
             return call.ReturnBool(addIn_->connected);
-        case vbide::kAddInObject:
+        case vbide::members::AddIn::Object.id:
             if (call.isPut) {
                 context.AddInObject() = ComPtr<IDispatch>(Arguments::ToObject(call.args.Value()));
                 return;
@@ -642,7 +636,7 @@ void AddInObject::Run(DISPID id, const Call& call) {
     }
 }
 
-const InterfaceInfo AddInsObject::kInterface = {L"Addins", vbide::kIidAddIns};
+const InterfaceInfo AddInsObject::kInterface = {L"Addins", vbide::ids::IID_AddIns};
 
 AddInsObject::AddInsObject(std::shared_ptr<HostContext> context, std::shared_ptr<AddInData> addIn)
     : DispatchObject(std::move(context), kInterface, kAddInsMembers), addIn_(std::move(addIn)) {}
@@ -650,7 +644,7 @@ AddInsObject::AddInsObject(std::shared_ptr<HostContext> context, std::shared_ptr
 void AddInsObject::Run(DISPID id, const Call& call) {
     HostContext& context = Context();
     switch (id) {
-        case vbide::kItem: {
+        case vbide::members::VBProjects::Item.id: {
             const VARIANT& index = call.args.At(0);
             const bool matches = IsText(index) ? _wcsicmp(Arguments::ToString(index).c_str(),
                                                           addIn_->progId.c_str()) == 0

@@ -221,26 +221,20 @@ constexpr auto kGet = MemberKind::Property;
 constexpr auto kCall = MemberKind::Method;
 
 constexpr Member kWindowMembers[] = {
-    {L"VBE", vbide::kWindowVBE, kGet},
-    {L"Collection", vbide::kWindowCollection, kGet},
-    {L"Close", vbide::kWindowClose, kCall},
-    {L"Caption", vbide::kWindowCaption, kGet},
-    {L"Left", vbide::kWindowLeft, kGet},
-    {L"Top", vbide::kWindowTop, kGet},
-    {L"Width", vbide::kWindowWidth, kGet},
-    {L"Visible", vbide::kWindowVisible, kGet},
-    {L"Height", vbide::kWindowHeight, kGet},
-    {L"WindowState", vbide::kWindowWindowState, kGet},
-    {L"SetFocus", vbide::kWindowSetFocus, kCall},
-    {L"Type", vbide::kWindowType, kGet},
-    {L"HWnd", vbide::kWindowHWnd, kGet},
+    {L"VBE", vbide::kWindowVBE, kGet},         {L"Collection", vbide::kWindowCollection, kGet},
+    {vbide::members::Window::Close, kCall},    {vbide::members::Window::Caption, kGet},
+    {L"Left", vbide::kWindowLeft, kGet},       {L"Top", vbide::kWindowTop, kGet},
+    {L"Width", vbide::kWindowWidth, kGet},     {vbide::members::Window::Visible, kGet},
+    {L"Height", vbide::kWindowHeight, kGet},   {L"WindowState", vbide::kWindowWindowState, kGet},
+    {vbide::members::Window::SetFocus, kCall}, {L"Type", vbide::kWindowType, kGet},
+    {vbide::members::Window::HWnd, kGet},
 };
 
 // Window positions are in pixels in the host; the IDE gives twips, 15 to the pixel at 96 dpi.
 constexpr std::int32_t kTwipsPerPixel = 15;
 }  // namespace
 
-const InterfaceInfo WindowObject::kInterface = {L"Window", vbide::kIidWindow};
+const InterfaceInfo WindowObject::kInterface = {L"Window", vbide::ids::IID_Window};
 
 WindowObject::WindowObject(std::shared_ptr<HostContext> context, std::shared_ptr<HostWindow> window)
     : DispatchObject(std::move(context), kInterface, kWindowMembers), window_(std::move(window)) {}
@@ -258,12 +252,12 @@ void WindowObject::Run(DISPID id, const Call& call) {
             return call.ReturnObject(VbeObjectFor(context).Get());
         case vbide::kWindowCollection:
             return call.ReturnObject(WindowsObjectFor(context).Get());
-        case vbide::kWindowClose:
+        case vbide::members::Window::Close.id:
             window_->SetVisible(false);
             return;
-        case vbide::kWindowCaption:
+        case vbide::members::Window::Caption.id:
             return call.ReturnString(window_->Caption());
-        case vbide::kWindowVisible:
+        case vbide::members::Window::Visible.id:
             if (call.isPut) {
                 window_->SetVisible(Arguments::ToBool(call.args.Value()));
                 return;
@@ -285,12 +279,12 @@ void WindowObject::Run(DISPID id, const Call& call) {
         case vbide::kWindowWindowState:
             if (call.isPut) return;
             return call.ReturnLong(0);  // vbext_ws_Normal
-        case vbide::kWindowSetFocus:
+        case vbide::members::Window::SetFocus.id:
             if (window_->Handle() != nullptr) SetFocus(window_->Handle());
             return;
         case vbide::kWindowType:
             return call.ReturnLong(window_->Type());
-        case vbide::kWindowHWnd:
+        case vbide::members::Window::HWnd.id:
             return call.ReturnLong(
                 static_cast<std::int32_t>(reinterpret_cast<INT_PTR>(window_->Handle())));
     }
@@ -302,9 +296,9 @@ namespace {
 constexpr Member kWindowsMembers[] = {
     {L"VBE", vbide::kWindowsVBE, kGet},
     {L"Parent", vbide::kWindowsParent, kGet},
-    {L"Item", vbide::kItem, kCall},
-    {L"Count", vbide::kWindowsCount, kGet},
-    {L"CreateToolWindow", vbide::kWindowsCreateToolWindow, kCall},
+    {vbide::members::VBProjects::Item, kCall},
+    {vbide::members::Windows::Count, kGet},
+    {vbide::members::Windows::CreateToolWindow, kCall},
 };
 
 void SetDocObj(VARIANT& slot, IDispatch* document) {
@@ -320,7 +314,7 @@ void SetDocObj(VARIANT& slot, IDispatch* document) {
 }
 }  // namespace
 
-const InterfaceInfo WindowsObject::kInterface = {L"Windows", vbide::kIidWindows};
+const InterfaceInfo WindowsObject::kInterface = {L"Windows", vbide::ids::IID_Windows};
 
 WindowsObject::WindowsObject(std::shared_ptr<HostContext> context, std::shared_ptr<HostContext>)
     : DispatchObject(std::move(context), kInterface, kWindowsMembers) {}
@@ -331,9 +325,9 @@ void WindowsObject::Run(DISPID id, const Call& call) {
         case vbide::kWindowsVBE:
         case vbide::kWindowsParent:
             return call.ReturnObject(VbeObjectFor(context).Get());
-        case vbide::kWindowsCount:
+        case vbide::members::Windows::Count.id:
             return call.ReturnLong(static_cast<std::int32_t>(context.ToolWindows().size()) + 1);
-        case vbide::kItem: {
+        case vbide::members::VBProjects::Item.id: {
             const std::int32_t index = call.args.Long(0);
             if (index == 1) return call.ReturnObject(MainWindowObjectFor(context).Get());
             if (index < 2 || static_cast<std::size_t>(index - 1) > context.ToolWindows().size()) {
@@ -343,7 +337,7 @@ void WindowsObject::Run(DISPID id, const Call& call) {
                 context.ToolWindows()[static_cast<std::size_t>(index - 2)];
             return call.ReturnObject(context.Wrap<WindowObject>(window).Get());
         }
-        case vbide::kWindowsCreateToolWindow: {
+        case vbide::members::Windows::CreateToolWindow.id: {
             if (!call.args.Has(0)) {
                 throw VbError(5, "Windows.CreateToolWindow", "Invalid procedure call or argument");
             }

@@ -4,7 +4,6 @@
 #include <commctrl.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <functional>
 
 #include "windows/registry/ansi_text.h"
@@ -14,21 +13,19 @@ namespace {
 
 struct NodeInfo {
     std::wstring text;
-    bool bold = false;
     bool expanded = false;
-    int image = 0;
 };
 
 NodeInfo Read(HWND tree, HTREEITEM item) {
     wchar_t text[1024] = {};
     TVITEMW info{};
-    info.mask = TVIF_TEXT | TVIF_STATE | TVIF_IMAGE | TVIF_HANDLE;
+    info.mask = TVIF_TEXT | TVIF_STATE | TVIF_HANDLE;
     info.hItem = item;
     info.pszText = text;
     info.cchTextMax = 1024;
-    info.stateMask = TVIS_BOLD | TVIS_EXPANDED;
+    info.stateMask = TVIS_EXPANDED;
     SendMessageW(tree, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&info));
-    return {text, (info.state & TVIS_BOLD) != 0, (info.state & TVIS_EXPANDED) != 0, info.iImage};
+    return {text, (info.state & TVIS_EXPANDED) != 0};
 }
 
 HTREEITEM Next(HWND tree, HTREEITEM item, UINT how) {
@@ -53,66 +50,6 @@ void Walk(HWND tree, const std::function<bool(HTREEITEM)>& visit) {
              child = Next(tree, child, TVGN_NEXT))
             children.push_back(child);
         stack.insert(stack.end(), children.rbegin(), children.rend());
-    }
-}
-
-std::string JsonText(const std::wstring& text) {
-    std::string out = "\"";
-    for (const char c : windows::WideToUtf8(text)) {
-        switch (c) {
-            case '"':
-                out += "\\\"";
-                break;
-            case '\\':
-                out += "\\\\";
-                break;
-            case '\n':
-                out += "\\n";
-                break;
-            case '\r':
-                out += "\\r";
-                break;
-            case '\t':
-                out += "\\t";
-                break;
-            default:
-                if (static_cast<unsigned char>(c) < 0x20) {
-                    char escaped[8];
-                    std::snprintf(escaped, sizeof(escaped), "\\u%04x", c);
-                    out += escaped;
-                } else {
-                    out += c;
-                }
-        }
-    }
-    return out + "\"";
-}
-
-void AppendNodes(HWND tree, HTREEITEM first, std::string& out) {
-    // Siblings in order; children through an explicit stack of open lists.
-    struct Level {
-        HTREEITEM item;
-    };
-    std::vector<Level> stack{{first}};
-    bool firstInList = true;
-    while (!stack.empty()) {
-        Level& level = stack.back();
-        if (level.item == nullptr) {
-            stack.pop_back();
-            if (!stack.empty()) {
-                out += "]}";
-                stack.back().item = Next(tree, stack.back().item, TVGN_NEXT);
-                firstInList = false;
-            }
-            continue;
-        }
-        const NodeInfo node = Read(tree, level.item);
-        if (!firstInList) out += ",";
-        out += "{\"text\":" + JsonText(node.text) + ",\"bold\":" + (node.bold ? "true" : "false") +
-               ",\"expanded\":" + (node.expanded ? "true" : "false") +
-               ",\"image\":" + std::to_string(node.image) + ",\"children\":[";
-        firstInList = true;
-        stack.push_back({Next(tree, level.item, TVGN_CHILD)});
     }
 }
 
@@ -158,12 +95,6 @@ int ExpandNodes(HWND tree, const std::vector<std::wstring>& names, bool all) {
     return opened;
 }
 
-std::string TreeJson(HWND tree) {
-    std::string out = "{\"nodes\":[";
-    if (HTREEITEM root = Next(tree, nullptr, TVGN_ROOT)) AppendNodes(tree, root, out);
-    return out + "]}\n";
-}
-
 int CountNodes(HWND tree) {
     int count = 0;
     Walk(tree, [&](HTREEITEM) {
@@ -174,12 +105,33 @@ int CountNodes(HWND tree) {
 }
 
 bool HasNodeText(HWND tree, const std::wstring& text) {
-    bool found = false;
+    return FindNode(tree, text) != nullptr;
+}
+
+HTREEITEM FindNode(HWND tree, const std::wstring& text) {
+    HTREEITEM found = nullptr;
     Walk(tree, [&](HTREEITEM item) {
-        found = Read(tree, item).text == text;
-        return !found;
+        if (Read(tree, item).text == text) found = item;
+        return found == nullptr;
     });
     return found;
+}
+
+std::wstring NodeText(HWND tree, HTREEITEM item) {
+    return item != nullptr ? Read(tree, item).text : std::wstring();
+}
+
+std::wstring ParentText(HWND tree, HTREEITEM item) {
+    return NodeText(tree, Next(tree, item, TVGN_PARENT));
+}
+
+bool NodeScreenRect(HWND tree, HTREEITEM item, RECT& area) {
+    SendMessageW(tree, TVM_ENSUREVISIBLE, 0, reinterpret_cast<LPARAM>(item));
+    // TVM_GETITEMRECT takes the item in the rectangle it fills.
+    *reinterpret_cast<HTREEITEM*>(&area) = item;
+    if (!SendMessageW(tree, TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(&area))) return false;
+    MapWindowPoints(tree, nullptr, reinterpret_cast<POINT*>(&area), 2);
+    return true;
 }
 
 }  // namespace arbolet::vb6host

@@ -2,7 +2,8 @@
 // would, over the projects on the command line, and says what worked.
 //
 //   vb6host.exe [--connect-mode 0|1|2] [--transcript OUT.txt] [--dump-tree OUT.json
-//               [--expand all|NAME,...]] [--screenshot OUT.png] [--cycles N] [--scenario]
+//               [--expand all|NAME,...]] [--dump-menu KEY OUT.json] [--screenshot OUT.png]
+//               [--cycles N] [--scenario]
 //               [--dll PATH] PROJECT.vbp|GROUP.vbg...
 //
 // Every step prints "vb6host: ok: ..." or "vb6host: FAILED: ..."; the last line is
@@ -11,20 +12,22 @@
 #include <windows.h>
 
 #include <cstdio>
-#include <fstream>
 #include <string>
 #include <vector>
 
 #include "disk/vb_path.h"
-#include "support/screen_capture.h"
+#include "support/test_window.h"
 #include "vb6host/addin_session.h"
+#include "vb6host/document_dumps.h"
 #include "vb6host/host_context.h"
 #include "vb6host/ide_commands.h"
 #include "vb6host/main_window.h"
+#include "vb6host/step_report.h"
 #include "vb6host/tool_window.h"
 #include "vb6host/tree_dump.h"
+#include "vb6host/tree_gestures.h"
 #include "windows/registry/ansi_text.h"
-#include "windows/screenshot/png_file.h"
+#include "windows/screenshot/screen_capture.h"
 
 namespace arbolet::vb6host {
 namespace {
@@ -34,39 +37,11 @@ using windows::WideToUtf8;
 struct Options {
     int mode = 0;
     std::wstring transcript, dumpTree, expand, screenshot, dll;
+    // The node whose context menu is dumped ("" for empty tree space), and where to.
+    std::wstring menuKey, dumpMenu;
     int cycles = 0;
     bool scenario = false;
     std::vector<std::wstring> projects;
-};
-
-class Report {
-  public:
-    bool Check(bool ok, const std::string& step) {
-        std::printf("vb6host: %s: %s\n", ok ? "ok" : "FAILED", step.c_str());
-        std::fflush(stdout);
-        if (!ok) ++failures_;
-        return ok;
-    }
-    bool Check(HRESULT hr, const std::string& step) {
-        char code[16];
-        std::snprintf(code, sizeof(code), "0x%08lX", static_cast<unsigned long>(hr));
-        return Check(SUCCEEDED(hr), step + (SUCCEEDED(hr) ? "" : std::string(" (") + code + ")"));
-    }
-    void Note(const std::string& text) {
-        std::printf("vb6host: %s\n", text.c_str());
-        std::fflush(stdout);
-    }
-    int Finish() {
-        if (failures_ == 0) {
-            Note("all steps passed");
-            return 0;
-        }
-        Note(std::to_string(failures_) + " steps failed");
-        return 1;
-    }
-
-  private:
-    int failures_ = 0;
 };
 
 bool Parse(int argc, wchar_t** argv, Options& options) {
@@ -90,6 +65,8 @@ bool Parse(int argc, wchar_t** argv, Options& options) {
             if (!value(options.transcript)) return false;
         } else if (arg == L"--dump-tree") {
             if (!value(options.dumpTree)) return false;
+        } else if (arg == L"--dump-menu") {
+            if (!value(options.menuKey) || !value(options.dumpMenu)) return false;
         } else if (arg == L"--expand") {
             if (!value(options.expand)) return false;
         } else if (arg == L"--screenshot") {
@@ -249,6 +226,28 @@ void ChangeProjects(Session& session, Report& report) {
         report.Check(false, "the IDE's command failed: " + error);
 }
 
+// The picture of the context menu a scenario opens: beside --screenshot, with "_menu" added.
+std::filesystem::path MenuPicture(const std::wstring& screenshot) {
+    if (screenshot.empty()) return {};
+    std::filesystem::path picture(screenshot);
+    return picture.replace_filename(picture.stem().wstring() + L"_menu.png");
+}
+
+// What a person does on the tree of the example project: a right click and View Code, a
+// rename by label edit (and back), a drag onto the custom folder "Archive".
+void UseTheTree(Session& session, const Options& options, Report& report) {
+    const auto window = TheToolWindow(*session.context);
+    HWND tree = window ? FindTreeView(window->Client()) : nullptr;
+    if (!report.Check(tree != nullptr, "the tool window holds a tree view")) return;
+    const TreeScene scene{*session.context, session.main->Handle(), tree, report};
+    RightClickViewCode(scene, L"modStock", L"clsItem", MenuPicture(options.screenshot));
+    RenameByLabelEdit(scene, L"modLegacy", L"modOld");
+    RenameByLabelEdit(scene, L"modOld", L"modLegacy");
+    DragOntoFolder(scene, L"clsWarehouse", L"Archive");
+}
+
+// The tree through the tool window's DocObj, in the standalone explorer's schema, after the
+// nodes --expand names were opened with the keyboard as a user opens them.
 void DumpTree(Session& session, const Options& options, Report& report) {
     const auto window = TheToolWindow(*session.context);
     HWND tree = window ? FindTreeView(window->Client()) : nullptr;
@@ -260,21 +259,29 @@ void DumpTree(Session& session, const Options& options, Report& report) {
         report.Check(all || opened > 0, "opened " + std::to_string(opened) + " nodes");
         Pump(50);
     }
-    std::ofstream out(WideToUtf8(options.dumpTree), std::ios::binary);
-    out << TreeJson(tree);
-    report.Check(static_cast<bool>(out.flush()), "wrote the tree (" +
-                                                     std::to_string(CountNodes(tree)) +
-                                                     " nodes) to " + WideToUtf8(options.dumpTree));
+    // The nodes opened above stay open for the picture; the dump itself opens nothing more.
+    std::string error;
+    const bool done = DumpDocumentTree(window->Document(), options.dumpTree, L"", error);
+    report.Check(done, "wrote the tree (" + std::to_string(CountNodes(tree)) + " nodes) to " +
+                           WideToUtf8(options.dumpTree) + (done ? "" : ": " + error));
+}
+
+// The context menu through the tool window's DocObj, as the standalone explorer dumps it; with
+// --screenshot the picture is taken while the menu is open.
+void DumpMenu(Session& session, const Options& options, Report& report) {
+    const auto window = TheToolWindow(*session.context);
+    std::string error;
+    const bool done = window && DumpDocumentMenu(window->Document(), options.menuKey,
+                                                 options.dumpMenu, options.screenshot, error);
+    report.Check(done, "wrote the context menu of \"" + WideToUtf8(options.menuKey) + "\" to " +
+                           WideToUtf8(options.dumpMenu) + (done ? "" : ": " + error));
 }
 
 void Screenshot(Session& session, const Options& options, Report& report) {
     RedrawWindow(session.main->Handle(), nullptr, nullptr,
                  RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN | RDW_FRAME);
     Pump(200);
-    RECT bounds;
-    GetWindowRect(session.main->Handle(), &bounds);
-    const auto image = windows::testing::CaptureScreen(bounds);
-    report.Check(image.width > 0 && windows::WritePng(WideToUtf8(options.screenshot), image),
+    report.Check(windows::SaveWindowPicture(session.main->Handle(), options.screenshot),
                  "screenshot " + WideToUtf8(options.screenshot));
 }
 
@@ -370,10 +377,15 @@ int Run(const Options& options) {
                 if (connection.Connected()) {
                     if (options.scenario && options.mode != 2) {
                         ShowAndHide(session, connection, report);
+                        // Before the project is closed and opened again: the add-in hears
+                        // component events only for the project active at its last reload.
+                        UseTheTree(session, options, report);
                         ChangeProjects(session, report);
                     }
                     if (!options.dumpTree.empty()) DumpTree(session, options, report);
-                    if (!options.screenshot.empty()) Screenshot(session, options, report);
+                    if (!options.dumpMenu.empty()) DumpMenu(session, options, report);
+                    if (!options.screenshot.empty() && options.dumpMenu.empty())
+                        Screenshot(session, options, report);
                     report.Check(connection.Disconnect(), "OnDisconnection");
                     report.Check(!AddInControl(*session.context, L"Add-Ins") &&
                                      !AddInControl(*session.context, L"Standard"),
@@ -409,7 +421,8 @@ int wmain(int argc, wchar_t** argv) {
     if (!arbolet::vb6host::Parse(argc, argv, options)) {
         std::fprintf(stderr,
                      "usage: vb6host [--connect-mode 0|1|2] [--transcript OUT.txt] [--dump-tree "
-                     "OUT.json [--expand all|NAME,...]] [--screenshot OUT.png] [--cycles N] "
+                     "OUT.json [--expand all|NAME,...]] [--dump-menu KEY OUT.json] [--screenshot "
+                     "OUT.png] [--cycles N] "
                      "[--scenario] [--dll PATH] PROJECT.vbp|GROUP.vbg...\n");
         return 2;
     }

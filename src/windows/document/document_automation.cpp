@@ -1,5 +1,5 @@
-// Reading the real tree view back, and pictures of the window.
-#include "automation.h"
+// Reading the real tree view and its context menus back, and pictures of the window.
+#include "windows/document/document_automation.h"
 
 #include <fstream>
 #include <set>
@@ -13,7 +13,7 @@
 #include "windows/registry/ansi_text.h"
 #include "windows/screenshot/screen_capture.h"
 
-namespace arbolet::explorer_app {
+namespace arbolet::windows {
 namespace {
 
 // The component names asked for, lower-cased; `all` for every component.
@@ -58,7 +58,7 @@ ItemState ReadItem(HWND tree, HTREEITEM handle, const tree::Node* node) {
     item.pszText = buffer;
     item.cchTextMax = static_cast<int>(std::size(buffer));
     SendMessageW(tree, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
-    return {windows::WideToUtf8(item.pszText), node != nullptr ? node->Image() : std::nullopt,
+    return {WideToUtf8(item.pszText), node != nullptr ? node->Image() : std::nullopt,
             (item.state & TVIS_BOLD) != 0};
 }
 
@@ -79,9 +79,9 @@ void PressOn(HWND tree, HTREEITEM item, WPARAM key) {
     Settle();
 }
 
-HTREEITEM ItemOf(windows::TreeControl& tree, const std::string& key) {
+HTREEITEM ItemOf(TreeControl& tree, const std::string& key) {
     if (!tree.Exists(key)) return nullptr;
-    return dynamic_cast<const windows::TreeItemNode&>(*tree.Item(key)).Item();
+    return dynamic_cast<const TreeItemNode&>(*tree.Item(key)).Item();
 }
 
 void WriteItem(cli::JsonWriter& json, const ItemState& state, const tree::Node& node) {
@@ -103,7 +103,7 @@ void WriteItem(cli::JsonWriter& json, const ItemState& state, const tree::Node& 
 }
 
 // Opens a component as a click on its button does; the explorer says why when it cannot.
-void Open(windows::TreeControl& tree, explorer::ProjectExplorer* explorer, tree::Node& node,
+void Open(TreeControl& tree, explorer::ProjectExplorer* explorer, tree::Node& node,
           std::vector<cli::NotExpandedComponent>& notExpanded) {
     if (explorer == nullptr) {
         PressOn(tree.hWnd(), ItemOf(tree, node.Key()), VK_RIGHT);
@@ -117,9 +117,8 @@ void Open(windows::TreeControl& tree, explorer::ProjectExplorer* explorer, tree:
 // Depth first without recursion; a component that is asked for is opened when it is reached
 // and closed again once its code is written, so only one code tree at a time counts against
 // the tree's node limit.
-void WriteTree(windows::TreeControl& tree, explorer::ProjectExplorer* explorer,
-               const Expansion& expansion, cli::JsonWriter& json,
-               std::vector<cli::NotExpandedComponent>& notExpanded) {
+void WriteTree(TreeControl& tree, explorer::ProjectExplorer* explorer, const Expansion& expansion,
+               cli::JsonWriter& json, std::vector<cli::NotExpandedComponent>& notExpanded) {
     const HWND control = tree.hWnd();
     struct Frame {
         std::string key;
@@ -159,7 +158,7 @@ void WriteTree(windows::TreeControl& tree, explorer::ProjectExplorer* explorer,
 // Reads the open menu from a thread timer, which the menu's own message loop dispatches.
 class MenuReader {
   public:
-    MenuReader(windows::cPopupMenu& menu, HWND window, std::filesystem::path screenshot)
+    MenuReader(cPopupMenu& menu, HWND window, std::filesystem::path screenshot)
         : menu_(menu), window_(window), screenshot_(std::move(screenshot)) {
         current_ = this;
         timer_ = SetTimer(nullptr, 0, 100, &MenuReader::Tick);
@@ -198,7 +197,7 @@ class MenuReader {
         text << '\n';
         json_ = text.str();
         read_ = root != nullptr;
-        if (!screenshot_.empty()) pictureSaved_ = SaveScreenshot(window_, screenshot_);
+        if (!screenshot_.empty()) pictureSaved_ = SaveWindowPicture(window_, screenshot_);
         EndMenu();
     }
 
@@ -244,7 +243,7 @@ class MenuReader {
     }
 
     static inline MenuReader* current_ = nullptr;
-    windows::cPopupMenu& menu_;
+    cPopupMenu& menu_;
     HWND window_;
     std::filesystem::path screenshot_;
     UINT_PTR timer_ = 0;
@@ -256,11 +255,11 @@ class MenuReader {
 
 // Where a right click on the node lands, in screen co-ordinates: the middle of its caption;
 // for empty tree space, below the last item.
-bool ClickPoint(windows::TreeControl& tree, const tree::Node* node, POINT& screen) {
+bool ClickPoint(TreeControl& tree, const tree::Node* node, POINT& screen) {
     RECT area{};
     if (node != nullptr) {
-        const auto& item = dynamic_cast<const windows::TreeItemNode&>(*node);
-        if (!windows::ItemRect(tree.hWnd(), item.Item(), true, area)) return false;
+        const auto& item = dynamic_cast<const TreeItemNode&>(*node);
+        if (!ItemRect(tree.hWnd(), item.Item(), true, area)) return false;
         screen = {(area.left + area.right) / 2, (area.top + area.bottom) / 2};
     } else {
         GetClientRect(tree.hWnd(), &area);
@@ -272,11 +271,11 @@ bool ClickPoint(windows::TreeControl& tree, const tree::Node* node, POINT& scree
 
 }  // namespace
 
-bool DumpMenu(MainWindow& window, const std::string& key, const std::filesystem::path& out,
-              const std::filesystem::path& screenshot, std::string& error) {
-    windows::docAddin& document = window.Document();
-    windows::TreeControl& tree = document.treMain();
-    MenuReader reader(document.PopupMenu(), window.hWnd(), screenshot);
+bool DumpDocumentMenu(docAddin& document, HWND window, const std::string& key,
+                      const std::filesystem::path& out, const std::filesystem::path& screenshot,
+                      std::string& error) {
+    TreeControl& tree = document.treMain();
+    MenuReader reader(document.PopupMenu(), window, screenshot);
     if (key == "#background") {
         POINT corner{2, 2};
         ClientToScreen(document.hWnd(), &corner);
@@ -304,17 +303,18 @@ bool DumpMenu(MainWindow& window, const std::string& key, const std::filesystem:
     std::ofstream file(out, std::ios::binary);
     file << reader.Json();
     if (!file) {
-        error = "Cannot write " + windows::WideToUtf8(out.wstring());
+        error = "Cannot write " + WideToUtf8(out.wstring());
         return false;
     }
     if (!screenshot.empty() && !reader.PictureSaved()) {
-        error = "Cannot write " + windows::WideToUtf8(screenshot.wstring());
+        error = "Cannot write " + WideToUtf8(screenshot.wstring());
         return false;
     }
     return true;
 }
 
-bool DumpTree(MainWindow& window, const std::string& expand, const std::filesystem::path& out) {
+bool DumpDocumentTree(docAddin& document, const std::string& expand,
+                      const std::filesystem::path& out) {
     std::ostringstream text;
     {
         cli::JsonWriter json(text);
@@ -322,8 +322,7 @@ bool DumpTree(MainWindow& window, const std::string& expand, const std::filesyst
         json.Key("nodes");
         json.BeginArray();
         std::vector<cli::NotExpandedComponent> notExpanded;
-        WriteTree(window.Document().treMain(), window.Document().Explorer(), Expansion(expand),
-                  json, notExpanded);
+        WriteTree(document.treMain(), document.Explorer(), Expansion(expand), json, notExpanded);
         json.EndArray();
         cli::WriteNotExpanded(json, notExpanded);
         json.EndObject();
@@ -334,16 +333,4 @@ bool DumpTree(MainWindow& window, const std::string& expand, const std::filesyst
     return static_cast<bool>(file);
 }
 
-bool SaveScreenshot(HWND window, const std::filesystem::path& out) {
-    std::vector<HWND> windows{window};
-    // Open menus are top-level windows of the menu class owned by no one.
-    for (HWND menu = FindWindowExW(nullptr, nullptr, L"#32768", nullptr); menu != nullptr;
-         menu = FindWindowExW(nullptr, menu, L"#32768", nullptr)) {
-        if (IsWindowVisible(menu)) windows.push_back(menu);
-    }
-    const windows::RgbImage picture = windows::CaptureScreen(windows::UnionOfWindows(windows));
-    if (picture.width == 0) return false;
-    return windows::WritePng(windows::WideToUtf8(out.wstring()), picture);
-}
-
-}  // namespace arbolet::explorer_app
+}  // namespace arbolet::windows
