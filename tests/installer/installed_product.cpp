@@ -217,18 +217,6 @@ std::wstring FileVersion(const fs::path& file) {
            std::to_wstring(HIWORD(fixed->dwFileVersionLS));
 }
 
-std::pair<DWORD, ULONGLONG> FileIdentity(const fs::path& file) {
-    const HANDLE opened = CreateFileW(file.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
-                                      OPEN_EXISTING, 0, nullptr);
-    if (opened == INVALID_HANDLE_VALUE) return {0, 0};
-    BY_HANDLE_FILE_INFORMATION information{};
-    const BOOL known = GetFileInformationByHandle(opened, &information);
-    CloseHandle(opened);
-    if (!known) return {0, 0};
-    return {information.dwVolumeSerialNumber,
-            (ULONGLONG{information.nFileIndexHigh} << 32) | information.nFileIndexLow};
-}
-
 std::vector<std::wstring> PendingRenames() {
     const wchar_t* key = L"System\\CurrentControlSet\\Control\\Session Manager";
     const wchar_t* value = L"PendingFileRenameOperations";

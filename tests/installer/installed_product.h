@@ -64,10 +64,6 @@ bool KeyExists(HKEY root, const std::wstring& key);
 // The version in a program's or DLL's version resource ("1.2.3"), or "" when it has none.
 std::wstring FileVersion(const std::filesystem::path& file);
 
-// The volume and file index of a file: they change when the file is replaced, though its bytes
-// may not.
-std::pair<DWORD, ULONGLONG> FileIdentity(const std::filesystem::path& file);
-
 // The files the system replaces or deletes at its next restart (PendingFileRenameOperations).
 std::vector<std::wstring> PendingRenames();
 

@@ -363,7 +363,7 @@ bool FindInstalled(const std::wstring& progId, AddInEntry& entry, std::wstring& 
 
 // The DLL the IDE loaded is the installed one, and no other copy of it is loaded.
 void CheckLoadedFrom(const std::wstring& dll, Report& report) {
-    std::wstring fileName = dll.substr(dll.find_last_of(L"\\/") + 1);
+    const std::wstring fileName = dll.substr(dll.find_last_of(L"\\/") + 1);
     const std::vector<std::wstring> loaded = LoadedModulePaths(fileName);
     std::string paths;
     for (const std::wstring& path : loaded)
