@@ -191,6 +191,7 @@ TEST(Installer, ReplacesTheAddInAnIdeHoldsLoaded) {
         << nextRun;
     ASSERT_EQ(Remove(ARBOLET_MSI), 0u);
     ExpectNothingLeft(Scope::PerMachine);
+    RegDeleteTreeA(HKEY_CLASSES_ROOT, options::OptionsKeyPath().c_str());  // the IDE's, not ours
 }
 
 // The two halves of an install that other programs use in between (CTest runs the emulated IDE
@@ -198,6 +199,9 @@ TEST(Installer, ReplacesTheAddInAnIdeHoldsLoaded) {
 // and remove at once.
 TEST(InstalledProduct, QuietInstall) {
     ReportMissingParts();
+    // For a developer who never ran Arbolet: the IDE's tree that follows is compared with the
+    // display options' defaults, whatever the tests before left.
+    RegDeleteTreeA(HKEY_CLASSES_ROOT, options::OptionsKeyPath().c_str());
     ASSERT_EQ(Install(ARBOLET_MSI), 0u);
     ExpectInstalled(Scope::PerMachine);
 }
