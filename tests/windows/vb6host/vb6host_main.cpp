@@ -3,7 +3,9 @@
 //
 //   vb6host.exe [--connect-mode 0|1|2] [--transcript OUT.txt] [--dump-tree OUT.json
 //               [--expand all|NAME,...]] [--screenshot OUT.png] [--cycles N] [--scenario]
-//               [--dll PATH | --installed PROGID [--hold NAME]] PROJECT.vbp|GROUP.vbg...
+//               [--dll PATH] PROJECT.vbp|GROUP.vbg...
+//
+//   vb6host.exe --installed PROGID [--hold NAME] [the options above but --dll] PROJECT...
 //
 // --installed runs the add-in the Addins key lists as PROGID from wherever its class is
 // registered, as the IDE does after an installer ran: nothing is registered or unregistered.
@@ -39,9 +41,11 @@ using windows::WideToUtf8;
 
 struct Options {
     int mode = 0;
-    std::wstring transcript, dumpTree, expand, screenshot, dll, installed, hold;
+    std::wstring transcript, dumpTree, expand, screenshot, dll;
     int cycles = 0;
     bool scenario = false;
+    // The installed add-in's ProgID, and the name of the events of a hold.
+    std::wstring installed, hold;
     std::vector<std::wstring> projects;
 };
 
@@ -456,8 +460,10 @@ int wmain(int argc, wchar_t** argv) {
         std::fprintf(stderr,
                      "usage: vb6host [--connect-mode 0|1|2] [--transcript OUT.txt] [--dump-tree "
                      "OUT.json [--expand all|NAME,...]] [--screenshot OUT.png] [--cycles N] "
-                     "[--scenario] [--dll PATH | --installed PROGID [--hold NAME]] "
-                     "PROJECT.vbp|GROUP.vbg...\n");
+                     "[--scenario] [--dll PATH] PROJECT.vbp|GROUP.vbg...\n");
+        std::fprintf(stderr,
+                     "       vb6host --installed PROGID [--hold NAME] [the options above "
+                     "but --dll] PROJECT.vbp|GROUP.vbg...\n");
         return 2;
     }
     if (FAILED(OleInitialize(nullptr))) {
