@@ -5,6 +5,9 @@
 #include <msi.h>
 #include <shlobj.h>
 
+#include <fstream>
+#include <iterator>
+
 #include "arbolet/com_identity.h"
 
 namespace arbolet::installer_testing {
@@ -57,7 +60,20 @@ std::wstring Widen(const char* text) {
 }
 
 DWORD RunMsiexec(const std::wstring& arguments) {
-    std::wstring commandLine = L"msiexec.exe " + arguments;
+    return RunProgram(L"msiexec.exe " + arguments);
+}
+
+std::vector<char> FileBytes(const fs::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    return std::vector<char>(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+bool SameBytes(const fs::path& a, const fs::path& b) {
+    const std::vector<char> bytes = FileBytes(a);
+    return !bytes.empty() && bytes == FileBytes(b);
+}
+
+DWORD RunProgram(std::wstring commandLine) {
     STARTUPINFOW startup{};
     startup.cb = sizeof startup;
     PROCESS_INFORMATION process{};
@@ -199,6 +215,26 @@ std::wstring FileVersion(const fs::path& file) {
     return std::to_wstring(HIWORD(fixed->dwFileVersionMS)) + L"." +
            std::to_wstring(LOWORD(fixed->dwFileVersionMS)) + L"." +
            std::to_wstring(HIWORD(fixed->dwFileVersionLS));
+}
+
+std::vector<std::wstring> PendingRenames() {
+    const wchar_t* key = L"System\\CurrentControlSet\\Control\\Session Manager";
+    const wchar_t* value = L"PendingFileRenameOperations";
+    DWORD size = 0;
+    std::vector<std::wstring> names;
+    if (RegGetValueW(HKEY_LOCAL_MACHINE, key, value, RRF_RT_REG_MULTI_SZ, nullptr, nullptr,
+                     &size) != ERROR_SUCCESS)
+        return names;
+    std::wstring text(size / sizeof(wchar_t), L'\0');
+    RegGetValueW(HKEY_LOCAL_MACHINE, key, value, RRF_RT_REG_MULTI_SZ, nullptr, text.data(), &size);
+    text.resize(size / sizeof(wchar_t));
+    // Empty names are part of the list (a target of "" deletes), so the list is read to its
+    // length, each name up to its terminator; the list's own terminator is the last empty one.
+    for (std::size_t start = 0, end; (end = text.find(L'\0', start)) != std::wstring::npos;
+         start = end + 1)
+        names.push_back(text.substr(start, end - start));
+    if (!names.empty() && names.back().empty()) names.pop_back();
+    return names;
 }
 
 std::vector<std::wstring> InstalledVersions(const wchar_t* upgradeCode) {

@@ -30,8 +30,14 @@ struct RegistryValue {
 // An ASCII text as a wide one.
 std::wstring Widen(const char* text);
 
+// Runs a program and returns its exit code (or why it did not start).
+DWORD RunProgram(std::wstring commandLine);
 // Runs msiexec with `arguments` (for example L"/i \"C:\\x.msi\" /qn") and returns its exit code.
 DWORD RunMsiexec(const std::wstring& arguments);
+
+// A file's bytes (none when it cannot be read), and whether two files have the same bytes.
+std::vector<char> FileBytes(const std::filesystem::path& file);
+bool SameBytes(const std::filesystem::path& a, const std::filesystem::path& b);
 
 // The Windows path of a file the build names with a host path.
 std::wstring WindowsPath(const char* path);
@@ -57,6 +63,9 @@ bool KeyExists(HKEY root, const std::wstring& key);
 
 // The version in a program's or DLL's version resource ("1.2.3"), or "" when it has none.
 std::wstring FileVersion(const std::filesystem::path& file);
+
+// The files the system replaces or deletes at its next restart (PendingFileRenameOperations).
+std::vector<std::wstring> PendingRenames();
 
 // The versions of the installed products of the package's upgrade code.
 std::vector<std::wstring> InstalledVersions(const wchar_t* upgradeCode);

@@ -35,13 +35,6 @@ bool SameFile(const std::wstring& a, const std::wstring& b) {
     return _wcsicmp(fullA, fullB) == 0;
 }
 
-std::wstring ServerOf(const CLSID& clsid) {
-    wchar_t text[64] = {};
-    StringFromGUID2(clsid, text, 64);
-    return ReadText(HKEY_CLASSES_ROOT,
-                    (std::wstring(L"CLSID\\") + text + L"\\InprocServer32").c_str(), nullptr);
-}
-
 // An empty array for the `custom` arguments, passed by reference as VB passes it.
 struct CustomArgument {
     CustomArgument() : array(SafeArrayCreateVector(VT_VARIANT, 0, 0)) {}
@@ -75,6 +68,13 @@ int Regsvr32(const std::wstring& options, const std::wstring& dll) {
     return static_cast<int>(code);
 }
 
+std::wstring ServerOf(const CLSID& clsid) {
+    wchar_t text[64] = {};
+    StringFromGUID2(clsid, text, 64);
+    return ReadText(HKEY_CLASSES_ROOT,
+                    (std::wstring(L"CLSID\\") + text + L"\\InprocServer32").c_str(), nullptr);
+}
+
 bool FindAddIn(const std::wstring& dll, AddInEntry& entry) {
     HKEY addins = nullptr;
     if (RegOpenKeyExW(HKEY_CURRENT_USER, kAddinsKey, 0, KEY_READ, &addins) != ERROR_SUCCESS) {
@@ -88,16 +88,30 @@ bool FindAddIn(const std::wstring& dll, AddInEntry& entry) {
             ERROR_SUCCESS) {
             break;
         }
-        CLSID clsid{};
-        if (FAILED(CLSIDFromProgID(name, &clsid)) || !SameFile(ServerOf(clsid), dll)) continue;
-        entry.progId = name;
-        entry.clsid = clsid;
-        entry.friendlyName = ReadText(addins, name, L"FriendlyName");
-        entry.description = ReadText(addins, name, L"Description");
-        entry.loadBehavior = ReadNumber(addins, name, L"LoadBehavior");
-        found = true;
+        AddInEntry candidate;
+        found = FindAddInByProgId(name, candidate) && SameFile(ServerOf(candidate.clsid), dll);
+        if (found) entry = candidate;
     }
     RegCloseKey(addins);
+    return found;
+}
+
+bool FindAddInByProgId(const std::wstring& progId, AddInEntry& entry) {
+    const std::wstring key = std::wstring(kAddinsKey) + L"\\" + progId;
+    HKEY addIn = nullptr;
+    if (RegOpenKeyExW(HKEY_CURRENT_USER, key.c_str(), 0, KEY_READ, &addIn) != ERROR_SUCCESS) {
+        return false;
+    }
+    CLSID clsid{};
+    const bool found = SUCCEEDED(CLSIDFromProgID(progId.c_str(), &clsid));
+    if (found) {
+        entry.progId = progId;
+        entry.clsid = clsid;
+        entry.friendlyName = ReadText(addIn, nullptr, L"FriendlyName");
+        entry.description = ReadText(addIn, nullptr, L"Description");
+        entry.loadBehavior = ReadNumber(addIn, nullptr, L"LoadBehavior");
+    }
+    RegCloseKey(addIn);
     return found;
 }
 

@@ -27,6 +27,11 @@ int Regsvr32(const std::wstring& options, const std::wstring& dll);
 // The add-in whose class's InprocServer32 is `dll`, among those under
 // HKCU\Software\Microsoft\Visual Basic\6.0\Addins; false when there is none.
 bool FindAddIn(const std::wstring& dll, AddInEntry& entry);
+// The add-in `progId` as the IDE finds it: listed under the Addins key, its class registered;
+// false when either is missing.
+bool FindAddInByProgId(const std::wstring& progId, AddInEntry& entry);
+// The DLL registered as the in-process server of `clsid` ("" when none is).
+std::wstring ServerOf(const CLSID& clsid);
 // Whether the Addins key still lists `progId`.
 bool AddInListed(const std::wstring& progId);
 

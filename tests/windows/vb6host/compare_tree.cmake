@@ -3,7 +3,8 @@
 # same children, in the same order. Called with -D: VB6HOST and ARBOLET (commands, as lists),
 # PROJECT, DUMP (the file vb6host writes), EXPAND (optional, one component's name), and
 # EXPECT (texts that must be in the tree, as a list), SCREENSHOT (optional, a PNG of the IDE with
-# the tree as dumped).
+# the tree as dumped), HOST_OPTIONS (optional, more vb6host options, as a list) and HOST_EXPECT
+# (optional, a text vb6host must print).
 cmake_minimum_required(VERSION 3.19)
 
 set(expandArguments)
@@ -15,11 +16,17 @@ if(SCREENSHOT)
     set(screenshotArguments --screenshot ${SCREENSHOT})
 endif()
 file(REMOVE ${DUMP})
-execute_process(COMMAND ${VB6HOST} --connect-mode 1 --dump-tree ${DUMP} ${expandArguments}
-                        ${screenshotArguments} ${PROJECT}
+execute_process(COMMAND ${VB6HOST} --connect-mode 1 ${HOST_OPTIONS} --dump-tree ${DUMP}
+                        ${expandArguments} ${screenshotArguments} ${PROJECT}
                 OUTPUT_VARIABLE hostOutput ERROR_VARIABLE hostOutput)
 if(NOT hostOutput MATCHES "vb6host: all steps passed")
     message(FATAL_ERROR "vb6host did not pass:\n${hostOutput}")
+endif()
+if(HOST_EXPECT)
+    string(FIND "${hostOutput}" "${HOST_EXPECT}" found)
+    if(found EQUAL -1)
+        message(FATAL_ERROR "vb6host did not print \"${HOST_EXPECT}\":\n${hostOutput}")
+    endif()
 endif()
 # The add-in reads its display options from the registry, where a fresh prefix has none: the
 # defaults, which hide declarations, directives and the ends of blocks.

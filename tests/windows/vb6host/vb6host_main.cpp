@@ -6,6 +6,13 @@
 //               [--cycles N] [--scenario]
 //               [--dll PATH] PROJECT.vbp|GROUP.vbg...
 //
+//   vb6host.exe --installed PROGID [--hold NAME] [the options above but --dll] PROJECT...
+//
+// --installed runs the add-in the Addins key lists as PROGID from wherever its class is
+// registered, as the IDE does after an installer ran: nothing is registered or unregistered.
+// --hold keeps it connected until another program sets the event NAME.release (see
+// installed_addin.h).
+//
 // Every step prints "vb6host: ok: ..." or "vb6host: FAILED: ..."; the last line is
 // "vb6host: all steps passed" or "vb6host: N steps failed". Exit status 0 only when every step
 // worked, 1 when one failed, 2 for a command line it cannot use.
@@ -21,6 +28,7 @@
 #include "vb6host/document_dumps.h"
 #include "vb6host/host_context.h"
 #include "vb6host/ide_commands.h"
+#include "vb6host/installed_addin.h"
 #include "vb6host/main_window.h"
 #include "vb6host/step_report.h"
 #include "vb6host/tool_window.h"
@@ -41,6 +49,8 @@ struct Options {
     std::wstring menuKey, dumpMenu;
     int cycles = 0;
     bool scenario = false;
+    // The installed add-in's ProgID, and the name of the events of a hold.
+    std::wstring installed, hold;
     std::vector<std::wstring> projects;
 };
 
@@ -73,6 +83,10 @@ bool Parse(int argc, wchar_t** argv, Options& options) {
             if (!value(options.screenshot)) return false;
         } else if (arg == L"--dll") {
             if (!value(options.dll)) return false;
+        } else if (arg == L"--installed") {
+            if (!value(options.installed)) return false;
+        } else if (arg == L"--hold") {
+            if (!value(options.hold)) return false;
         } else if (arg == L"--scenario") {
             options.scenario = true;
         } else if (arg.rfind(L"--", 0) == 0) {
@@ -81,7 +95,9 @@ bool Parse(int argc, wchar_t** argv, Options& options) {
             options.projects.push_back(arg);
         }
     }
-    return !options.projects.empty() && (options.expand.empty() || !options.dumpTree.empty());
+    return !options.projects.empty() && (options.expand.empty() || !options.dumpTree.empty()) &&
+           (options.installed.empty() || options.dll.empty()) &&
+           (options.hold.empty() || !options.installed.empty());
 }
 
 std::wstring DllBesideThisProgram() {
@@ -343,17 +359,44 @@ void Cycles(Session& session, const AddInEntry& entry, const Options& options,
     }
 }
 
+// The installed add-in `progId`: listed under the Addins key, its class served by a DLL that
+// exists; `dll` becomes that DLL.
+bool FindInstalled(const std::wstring& progId, AddInEntry& entry, std::wstring& dll,
+                   Report& report) {
+    if (!report.Check(
+            FindAddInByProgId(progId, entry),
+            "the Addins key lists " + WideToUtf8(progId) + " and its class is registered"))
+        return false;
+    dll = ServerOf(entry.clsid);
+    return report.Check(!dll.empty() && GetFileAttributesW(dll.c_str()) != INVALID_FILE_ATTRIBUTES,
+                        "its class is served by the installed " + WideToUtf8(dll));
+}
+
+// The DLL the IDE loaded is the installed one, and no other copy of it is loaded.
+void CheckLoadedFrom(const std::wstring& dll, Report& report) {
+    const std::wstring fileName = dll.substr(dll.find_last_of(L"\\/") + 1);
+    const std::vector<std::wstring> loaded = LoadedModulePaths(fileName);
+    std::string paths;
+    for (const std::wstring& path : loaded)
+        paths += (paths.empty() ? "" : ", ") + WideToUtf8(path);
+    report.Check(
+        loaded.size() == 1 && _wcsicmp(loaded[0].c_str(), dll.c_str()) == 0,
+        "the loaded " + WideToUtf8(fileName) + " is the installed one (loaded: " + paths + ")");
+}
+
 int Run(const Options& options) {
     Report report;
-    const std::wstring dll = options.dll.empty() ? DllBesideThisProgram() : options.dll;
-    if (!report.Check(GetFileAttributesW(dll.c_str()) != INVALID_FILE_ATTRIBUTES,
-                      "the add-in DLL is at " + WideToUtf8(dll))) {
+    const bool installed = !options.installed.empty();
+    std::wstring dll = options.dll.empty() ? DllBesideThisProgram() : options.dll;
+    AddInEntry entry;
+    if (installed) {
+        if (!FindInstalled(options.installed, entry, dll, report)) return report.Finish();
+    } else if (!report.Check(GetFileAttributesW(dll.c_str()) != INVALID_FILE_ATTRIBUTES,
+                             "the add-in DLL is at " + WideToUtf8(dll)) ||
+               !report.Check(Regsvr32(L"/s", dll) == 0, "regsvr32 /s registers it")) {
         return report.Finish();
     }
-    if (!report.Check(Regsvr32(L"/s", dll) == 0, "regsvr32 /s registers it"))
-        return report.Finish();
-    AddInEntry entry;
-    if (report.Check(FindAddIn(dll, entry), "the Addins key lists it")) {
+    if (installed || report.Check(FindAddIn(dll, entry), "the Addins key lists it")) {
         report.Note("add-in " + WideToUtf8(entry.progId) + " \"" + WideToUtf8(entry.friendlyName) +
                     "\", LoadBehavior " + std::to_string(entry.loadBehavior));
         std::vector<std::filesystem::path> projects;
@@ -375,6 +418,12 @@ int Run(const Options& options) {
                 AddInConnection connection(*session.context);
                 ConnectAndCheck(session, connection, entry, options.mode, report, true);
                 if (connection.Connected()) {
+                    if (installed) CheckLoadedFrom(dll, report);
+                    if (!options.hold.empty()) {
+                        report.Check(HoldUntilReleased(options.hold, 300000),
+                                     "held the add-in until " +
+                                         WideToUtf8(ReleaseEventName(options.hold)) + " was set");
+                    }
                     if (options.scenario && options.mode != 2) {
                         ShowAndHide(session, connection, report);
                         // Before the project is closed and opened again: the add-in hears
@@ -407,6 +456,7 @@ int Run(const Options& options) {
         }
     }
     CoFreeUnusedLibraries();
+    if (installed) return report.Finish();  // the installer's registration stays
     report.Check(Regsvr32(L"/u /s", dll) == 0, "regsvr32 /u /s unregisters it");
     report.Check(entry.progId.empty() || !AddInListed(entry.progId),
                  "the Addins key no longer lists it");
@@ -424,6 +474,9 @@ int wmain(int argc, wchar_t** argv) {
                      "OUT.json [--expand all|NAME,...]] [--dump-menu KEY OUT.json] [--screenshot "
                      "OUT.png] [--cycles N] "
                      "[--scenario] [--dll PATH] PROJECT.vbp|GROUP.vbg...\n");
+        std::fprintf(stderr,
+                     "       vb6host --installed PROGID [--hold NAME] [the options above "
+                     "but --dll] PROJECT.vbp|GROUP.vbg...\n");
         return 2;
     }
     if (FAILED(OleInitialize(nullptr))) {
