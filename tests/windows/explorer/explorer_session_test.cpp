@@ -3,11 +3,13 @@
 // for View Code and Goto, the switch to another screen's DPI, and the help file on F1.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include "editor_launch.h"
 #include "explorer/explorer_window_fixture.h"
 #include "explorer/node_keys.h"
 #include "explorer_settings.h"
@@ -155,6 +157,35 @@ TEST(SavedPlacement, ComesBackOntoTheScreen) {
     EXPECT_TRUE(SameRect(work, huge));
 }
 
+// The list logic on its own: a file opened again moves up instead of showing twice, whatever
+// the case of its name, and the oldest falls off the end.
+TEST(RecentFileList, MovesRepeatsUpAndDropsTheOldest) {
+    std::vector<std::filesystem::path> list;
+    for (int i = 0; i < static_cast<int>(kMaxRecentFiles); ++i)
+        list = WithRecentFile(list, L"C:\\p\\" + std::to_wstring(i) + L".vbp");
+    list = WithRecentFile(list, L"c:\\P\\3.VBP");
+    ASSERT_EQ(list.size(), kMaxRecentFiles);
+    EXPECT_EQ(list.front(), L"c:\\P\\3.VBP");
+    EXPECT_EQ(std::count_if(
+                  list.begin(), list.end(),
+                  [](const auto& file) { return _wcsicmp(file.c_str(), L"C:\\p\\3.vbp") == 0; }),
+              1);
+    list = WithRecentFile(list, L"C:\\p\\new.vbp");
+    ASSERT_EQ(list.size(), kMaxRecentFiles);
+    EXPECT_EQ(list.back(), L"C:\\p\\1.vbp") << "0.vbp, the oldest, is gone";
+}
+
+// The editor's command line: every {file} and {line} is replaced, anything else is the user's.
+TEST(EditorCommand, ReplacesEveryPlaceholderAndNothingElse) {
+    const std::filesystem::path file = L"C:\\My Projects\\mod{line}.bas";
+    EXPECT_EQ(ExpandEditorCommand(L"\"ed.exe\" \"{file}\" +{line}", file, 42),
+              L"\"ed.exe\" \"C:\\My Projects\\mod{line}.bas\" +42")
+        << "a {line} inside the file's name stays";
+    EXPECT_EQ(ExpandEditorCommand(L"ed {file}:{line}:{line} {File} {lin", file, 7),
+              L"ed C:\\My Projects\\mod{line}.bas:7:7 {File} {lin");
+    EXPECT_EQ(ExpandEditorCommand(L"", file, 1), L"");
+}
+
 TEST_F(ExplorerSessionTest, RecentFilesComeFirstAreBoundedAndReopen) {
     const auto first = CopyOfProject("First");
     const auto second = CopyOfProject("Second");
@@ -286,6 +317,13 @@ TEST_F(ExplorerSessionTest, AnotherScreensDpiResizesTheWindowAndSwitchesPictures
     };
     EXPECT_EQ(iconSize(), (std::pair{16, 16}));
     const int smallFont = fontHeight();
+    const auto treeTop = [&] {
+        RECT area{};
+        GetWindowRect(Tree().hWnd(), &area);
+        MapWindowPoints(nullptr, window_->Document().hWnd(), reinterpret_cast<POINT*>(&area), 2);
+        return static_cast<int>(area.top);
+    };
+    const int smallTop = treeTop();
 
     // What Windows sends when the window is dragged onto a 200 % screen.
     RECT suggested{100, 80, 940, 1000};
@@ -295,6 +333,7 @@ TEST_F(ExplorerSessionTest, AnotherScreensDpiResizesTheWindowAndSwitchesPictures
     EXPECT_TRUE(SameRect(suggested, WindowRect(window_->hWnd())));
     EXPECT_EQ(iconSize(), (std::pair{32, 32}));
     EXPECT_GE(fontHeight(), 2 * smallFont - 1);
+    EXPECT_GE(treeTop(), 2 * smallTop - 1) << "the buttons above the tree grew";
     EXPECT_NE(Tree().Item("frmMain~Inventory~")->Text(), "") << "the tree survived";
 
     // And back to 100 %.
@@ -304,6 +343,7 @@ TEST_F(ExplorerSessionTest, AnotherScreensDpiResizesTheWindowAndSwitchesPictures
     PumpMessages();
     EXPECT_EQ(iconSize(), (std::pair{16, 16}));
     EXPECT_EQ(fontHeight(), smallFont);
+    EXPECT_EQ(treeTop(), smallTop);
 }
 
 // The help viewer's window: HTML Help shows the file's title in its caption.
