@@ -24,8 +24,8 @@ start_xvfb() {
     rm -f "$fifo"
     echo ":$number" >"$(display_file)"
     # A desktop session always loads some X resources. Without any, Xlib looks for them again
-    # on every font selected into a window's DC (two failed file opens each time), which makes
-    # every paint under Wine several times slower than on a user's display.
+    # on every font selected into a window's DC (two failed file opens each time, hundreds per
+    # paint of a tree), which slows every paint under Wine down against a user's display.
     echo "Wine.testDisplay: true" >"$(resources_file)"
 }
 
