@@ -33,6 +33,20 @@ std::wstring RecentName(std::size_t index) {
     return L"Recent" + std::to_wstring(index + 1);
 }
 
+// Windows file names ignore case.
+void EraseFile(std::vector<std::filesystem::path>& list, const std::filesystem::path& file) {
+    const auto same = [&](const std::filesystem::path& other) {
+        return _wcsicmp(other.c_str(), file.c_str()) == 0;
+    };
+    list.erase(std::remove_if(list.begin(), list.end(), same), list.end());
+}
+
+// The list is read up to its first empty entry, so a shorter list ends with one.
+void WriteRecentFiles(const std::vector<std::filesystem::path>& list) {
+    for (std::size_t i = 0; i < kMaxRecentFiles; ++i)
+        WriteText(RecentName(i).c_str(), i < list.size() ? list[i].wstring() : std::wstring());
+}
+
 }  // namespace
 
 std::vector<std::filesystem::path> RecentFiles() {
@@ -47,19 +61,20 @@ std::vector<std::filesystem::path> RecentFiles() {
 
 std::vector<std::filesystem::path> WithRecentFile(std::vector<std::filesystem::path> list,
                                                   const std::filesystem::path& file) {
-    const auto same = [&](const std::filesystem::path& other) {
-        return _wcsicmp(other.c_str(), file.c_str()) == 0;
-    };
-    list.erase(std::remove_if(list.begin(), list.end(), same), list.end());
+    EraseFile(list, file);
     list.insert(list.begin(), file);
     if (list.size() > kMaxRecentFiles) list.resize(kMaxRecentFiles);
     return list;
 }
 
 void AddRecentFile(const std::filesystem::path& file) {
-    const auto list = WithRecentFile(RecentFiles(), file);
-    for (std::size_t i = 0; i < list.size(); ++i)
-        WriteText(RecentName(i).c_str(), list[i].wstring());
+    WriteRecentFiles(WithRecentFile(RecentFiles(), file));
+}
+
+void RemoveRecentFile(const std::filesystem::path& file) {
+    auto list = RecentFiles();
+    EraseFile(list, file);
+    WriteRecentFiles(list);
 }
 
 std::optional<WINDOWPLACEMENT> SavedPlacement() {

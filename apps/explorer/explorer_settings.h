@@ -16,6 +16,8 @@ inline constexpr std::size_t kMaxRecentFiles = 8;
 std::vector<std::filesystem::path> RecentFiles();
 // Puts the file first in the list, without repeats, keeping at most kMaxRecentFiles.
 void AddRecentFile(const std::filesystem::path& file);
+// Takes a file off the list (a file that no longer exists).
+void RemoveRecentFile(const std::filesystem::path& file);
 // The list with a file moved to the front; pure, for the menu and for tests.
 std::vector<std::filesystem::path> WithRecentFile(std::vector<std::filesystem::path> list,
                                                   const std::filesystem::path& file);

@@ -3,6 +3,7 @@
 
 #include <commdlg.h>
 
+#include <algorithm>
 #include <exception>
 #include <string>
 
@@ -57,6 +58,22 @@ std::wstring Widen(std::string_view text) {
 
 }  // namespace
 
+// A place saved on a screen that is no longer there (unplugged, or a smaller layout) would
+// open the window out of reach: such a rectangle moves into the nearest screen's work area,
+// as much of its size kept as fits.
+RECT OnSomeScreen(const RECT& place) {
+    if (MonitorFromRect(&place, MONITOR_DEFAULTTONULL) != nullptr) return place;
+    MONITORINFO monitor{};
+    monitor.cbSize = sizeof(monitor);
+    if (!GetMonitorInfoW(MonitorFromRect(&place, MONITOR_DEFAULTTONEAREST), &monitor)) return place;
+    const RECT& work = monitor.rcWork;
+    const LONG width = std::min(place.right - place.left, work.right - work.left);
+    const LONG height = std::min(place.bottom - place.top, work.bottom - work.top);
+    const LONG left = std::clamp(place.left, work.left, work.right - width);
+    const LONG top = std::clamp(place.top, work.top, work.bottom - height);
+    return RECT{left, top, left + width, top + height};
+}
+
 void BecomeDpiAware() {
     using SetContextFn = BOOL(WINAPI*)(HANDLE);
     const HMODULE user32 = GetModuleHandleW(L"user32.dll");
@@ -95,6 +112,7 @@ void MainWindow::ShowAtSavedPlace(int showCommand) {
         WINDOWPLACEMENT place = *placement;
         if (place.showCmd == SW_SHOWMINIMIZED || place.showCmd == SW_MINIMIZE)
             place.showCmd = SW_SHOWNORMAL;
+        place.rcNormalPosition = OnSomeScreen(place.rcNormalPosition);
         SetWindowPlacement(hWnd_, &place);
     } else {
         ShowWindow(hWnd_, showCommand);
@@ -111,8 +129,7 @@ bool MainWindow::Open(const std::vector<std::filesystem::path>& files,
         if (error != nullptr) {
             *error = failure.what();
         } else {
-            const std::wstring text = Widen(failure.what());
-            MessageBoxW(hWnd_, text.c_str(), kTitle, MB_OK | MB_ICONINFORMATION);
+            Tell(failure.what());
         }
         return false;
     }
@@ -133,8 +150,7 @@ bool MainWindow::Open(const std::vector<std::filesystem::path>& files,
         std::string text;
         for (const auto& warning : environment_->Warnings())
             text += warning.ToString() + "\r\n";
-        const std::wstring wide = Widen(text);
-        MessageBoxW(hWnd_, wide.c_str(), kTitle, MB_OK | MB_ICONINFORMATION);
+        Tell(text);
     }
     return true;
 }
@@ -144,8 +160,7 @@ void MainWindow::SaveChanges() {
     try {
         environment_->Save();
     } catch (const std::exception& failure) {
-        const std::wstring text = Widen(failure.what());
-        MessageBoxW(hWnd_, text.c_str(), kTitle, MB_OK | MB_ICONINFORMATION);
+        Tell(failure.what());
     }
 }
 
@@ -278,8 +293,30 @@ void MainWindow::OnCommand(UINT id) {
     if (id >= kRecentFirst && id < kRecentFirst + kMaxRecentFiles) {
         const auto recent = RecentFiles();
         const std::size_t index = id - kRecentFirst;
-        if (index < recent.size()) Open({recent[index]});
+        if (index < recent.size()) OpenRecent(recent[index]);
     }
+}
+
+// A recent file that has gone since is taken off the list, and the user is told which.
+void MainWindow::OpenRecent(const std::filesystem::path& file) {
+    std::error_code error;
+    if (std::filesystem::exists(file, error)) {
+        Open({file});
+        return;
+    }
+    RemoveRecentFile(file);
+    BuildMenu();
+    Tell(windows::WideToUtf8(L"The file " + file.wstring() +
+                             L" no longer exists. It has been removed from the recent files."));
+}
+
+void MainWindow::Tell(const std::string& text) {
+    if (ui_ != nullptr) {
+        ui_->MsgBox(text, explorer::MsgBoxIcon::Information, windows::WideToUtf8(kTitle));
+        return;
+    }
+    const std::wstring wide = Widen(text);
+    MessageBoxW(hWnd_, wide.c_str(), kTitle, MB_OK | MB_ICONINFORMATION);
 }
 
 LRESULT CALLBACK MainWindow::Proc(HWND hWnd, UINT iMsg, WPARAM wParam, LPARAM lParam) {
@@ -321,7 +358,7 @@ LRESULT MainWindow::Handle(UINT iMsg, WPARAM wParam, LPARAM lParam) {
             SetWindowPos(hWnd_, nullptr, suggested->left, suggested->top,
                          suggested->right - suggested->left, suggested->bottom - suggested->top,
                          SWP_NOZORDER | SWP_NOACTIVATE);
-            if (document_) document_->UpdatePictures();
+            if (document_) document_->SetDpi(HIWORD(wParam));
             return 0;
         }
         case WM_DROPFILES: {

@@ -51,6 +51,9 @@ class MainWindow {
     LRESULT Handle(UINT iMsg, WPARAM wParam, LPARAM lParam);
     void OnCommand(UINT id);
     void AskToOpen();
+    void OpenRecent(const std::filesystem::path& file);
+    // A message box, or the message through the test's `ui_`.
+    void Tell(const std::string& text);
     void AskForEditor();
     void BuildMenu();
     void UpdateTitle();
@@ -66,6 +69,9 @@ class MainWindow {
     std::vector<std::filesystem::path> openFiles_;
     std::unique_ptr<DiskFollower> follower_;
 };
+
+// The saved window rectangle, moved onto the nearest screen when it is on none.
+RECT OnSomeScreen(const RECT& place);
 
 // Makes the process aware of each monitor's DPI, where the system knows how.
 void BecomeDpiAware();

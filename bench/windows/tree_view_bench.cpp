@@ -2,7 +2,8 @@
 // project into the control, and expanding a 5,000-line component through the control as the
 // keyboard does, both drawn. Prints the median of several runs in milliseconds, and the same
 // work on the in-memory tree for comparison; the targets are 200 ms for the reload and 100 ms
-// for the expansion.
+// for the expansion. The best run is printed too: on a shared machine it shows what the code
+// costs, the median what a user would have seen.
 #include <windows.h>
 
 #include <algorithm>
@@ -21,7 +22,7 @@ using arbolet::env::ComponentType;
 
 constexpr int kComponents = 600;
 constexpr int kBigModuleLines = 5000;
-constexpr int kRuns = 7;
+constexpr int kRuns = 11;
 
 struct SilentUi : arbolet::explorer::UiServices {
     void MsgBox(std::string_view, arbolet::explorer::MsgBoxIcon, std::string_view) override {}
@@ -65,6 +66,10 @@ double Milliseconds(const std::function<void()>& work) {
 double Median(std::vector<double> samples) {
     std::sort(samples.begin(), samples.end());
     return samples[samples.size() / 2];
+}
+
+double Best(const std::vector<double>& samples) {
+    return *std::min_element(samples.begin(), samples.end());
 }
 
 std::shared_ptr<arbolet::env::MemoryEnvironment> BigProject() {
@@ -123,10 +128,11 @@ int main() {
         Pump();
     }
     arbolet::windows::TreeControl& tree = document.treMain();
-    std::printf("full reload, %d components (%d nodes): %.1f ms (target < 200 ms)\n",
-                kComponents + 1, tree.Count(), Median(reloads));
+    std::printf("full reload, %d components (%d nodes): %.1f ms, best %.1f ms (target < 200 ms)\n",
+                kComponents + 1, tree.Count(), Median(reloads), Best(reloads));
 
     std::vector<double> expansions;
+    std::vector<double> collapses;
     std::int32_t codeNodes = 0;
     for (int run = 0; run < kRuns; ++run) {
         const auto& component =
@@ -139,11 +145,17 @@ int main() {
             UpdateWindow(tree.hWnd());
         }));
         codeNodes = tree.Count() - before + 1;
-        SendMessageW(tree.hWnd(), WM_KEYDOWN, VK_LEFT, 0);
-        Pump();
+        // The code tree goes once the control has closed the item, in a posted message.
+        collapses.push_back(Milliseconds([&] {
+            SendMessageW(tree.hWnd(), WM_KEYDOWN, VK_LEFT, 0);
+            Pump();
+            UpdateWindow(tree.hWnd());
+        }));
     }
-    std::printf("expanding a %d-line component (%d code nodes): %.1f ms (target < 100 ms)\n",
-                kBigModuleLines, codeNodes, Median(expansions));
+    std::printf(
+        "expanding a %d-line component (%d code nodes): %.1f ms, best %.1f ms (target < 100 ms)\n",
+        kBigModuleLines, codeNodes, Median(expansions), Best(expansions));
+    std::printf("collapsing it: %.1f ms, best %.1f ms\n", Median(collapses), Best(collapses));
     DestroyWindow(frame);
     return 0;
 }

@@ -2,6 +2,7 @@
 // animation never flickers.
 #include "windows/dialogs/about_picture.h"
 
+#include <algorithm>
 #include <cmath>
 #include <string>
 
@@ -59,11 +60,29 @@ void DrawBranch(HDC dc, double x, double y, double angle, double length, int lev
     DrawBranch(dc, x2, y2, angle - spread * 0.9, length * 0.70, level + 1, growth);
 }
 
+OwnedFont TextFont(int height, int weight) {
+    return OwnedFont(CreateFontA(-height, 0, 0, 0, weight, FALSE, FALSE, FALSE, DEFAULT_CHARSET,
+                                 OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, CLEARTYPE_QUALITY,
+                                 DEFAULT_PITCH | FF_SWISS, "Tahoma"));
+}
+
+// One line of text from x, at most `room` pixels wide: the line is measured in the font it is
+// drawn in, and a line too wide for the picture (another DPI, a font substituted for Tahoma, a
+// longer translation) gets a smaller font instead of losing its end.
 void DrawText(HDC dc, const std::string& text, int x, int y, int height, int weight,
-              COLORREF colour) {
-    const OwnedFont font(CreateFontA(-height, 0, 0, 0, weight, FALSE, FALSE, FALSE, DEFAULT_CHARSET,
-                                     OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, CLEARTYPE_QUALITY,
-                                     DEFAULT_PITCH | FF_SWISS, "Tahoma"));
+              COLORREF colour, int room) {
+    OwnedFont font = TextFont(height, weight);
+    // Widths do not shrink exactly with the height (hinting), so the size is measured again.
+    for (int tries = 0; tries < 4 && room > 0 && height > 1; ++tries) {
+        SIZE size{};
+        {
+            const SelectedObject selected(dc, font.get());
+            GetTextExtentPoint32A(dc, text.c_str(), static_cast<int>(text.size()), &size);
+        }
+        if (size.cx <= room) break;
+        height = std::min(height - 1, static_cast<int>(height * room / size.cx));
+        font = TextFont(std::max(height, 1), weight);
+    }
     const SelectedObject selected(dc, font.get());
     SetTextColor(dc, colour);
     TextOutA(dc, x, y, text.c_str(), static_cast<int>(text.size()));
@@ -84,13 +103,15 @@ void DrawFrame(HDC dc, const RECT& rc, int frame) {
     SetBkMode(dc, TRANSPARENT);
     const int textX = static_cast<int>(rc.right * 0.42);
     const int unit = rc.bottom / 14;
-    DrawText(dc, kProductName, textX, unit, unit * 3, FW_BOLD, RGB(255, 255, 255));
+    const int room = rc.right - textX - unit;  // a margin of one unit on the right
+    DrawText(dc, kProductName, textX, unit, unit * 3, FW_BOLD, RGB(255, 255, 255), room);
     DrawText(dc, std::string("Version ") + ProductVersion(), textX, unit * 4 + unit / 2, unit,
-             FW_NORMAL, RGB(255, 255, 255));
-    DrawText(dc, kProductTagline, textX, unit * 6, unit * 9 / 10, FW_NORMAL, RGB(230, 240, 255));
-    DrawText(dc, kLicence, textX, unit * 8, unit * 9 / 10, FW_NORMAL, RGB(20, 40, 70));
+             FW_NORMAL, RGB(255, 255, 255), room);
+    DrawText(dc, kProductTagline, textX, unit * 6, unit * 9 / 10, FW_NORMAL, RGB(230, 240, 255),
+             room);
+    DrawText(dc, kLicence, textX, unit * 8, unit * 9 / 10, FW_NORMAL, RGB(20, 40, 70), room);
     DrawText(dc, "Click or press Esc to close.", textX, groundTop + unit / 2, unit * 8 / 10,
-             FW_NORMAL, RGB(225, 240, 220));
+             FW_NORMAL, RGB(225, 240, 220), room);
 }
 
 void Paint(HWND hWnd, HDC target) {

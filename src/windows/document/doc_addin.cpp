@@ -56,6 +56,23 @@ UINT WindowDpi(HWND hWnd) {
     return dpi != 0 ? dpi : 96;
 }
 
+// The font of message boxes at a DPI: what the user chose for dialog text, at the document's
+// scale rather than the primary screen's.
+HFONT DocumentFont(UINT dpi) {
+    NONCLIENTMETRICSW metrics{};
+    metrics.cbSize = sizeof(metrics);
+    if (!SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof(metrics), &metrics, 0)) {
+        GetObjectW(GetStockObject(DEFAULT_GUI_FONT), sizeof(metrics.lfMessageFont),
+                   &metrics.lfMessageFont);
+    }
+    const HDC screen = GetDC(nullptr);
+    const int systemDpi = screen != nullptr ? GetDeviceCaps(screen, LOGPIXELSY) : 96;
+    if (screen != nullptr) ReleaseDC(nullptr, screen);
+    metrics.lfMessageFont.lfHeight =
+        MulDiv(metrics.lfMessageFont.lfHeight, static_cast<int>(dpi), systemDpi);
+    return CreateFontIndirectW(&metrics.lfMessageFont);
+}
+
 ATOM RegisterDocumentClass(WNDPROC proc) {
     WNDCLASSEXW windowClass{};
     windowClass.cbSize = sizeof(windowClass);
@@ -109,10 +126,6 @@ docAddin::docAddin(HWND parent, commands::FrontEnd& frontEnd, explorer::UiServic
                                0, kButtonWidth, kButtonHeight, hWnd_,
                                reinterpret_cast<HMENU>(static_cast<UINT_PTR>(kFormButtonId)),
                                OwnModule(), nullptr);
-    font_ = static_cast<HFONT>(GetStockObject(DEFAULT_GUI_FONT));
-    for (HWND child : {tree_->hWnd(), cmdCode_, cmdForm_})
-        SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(font_), FALSE);
-
     if (ui == nullptr) ownUi_ = std::make_unique<Win32Ui>(hWnd_);
     ui_ = ui != nullptr ? ui : ownUi_.get();
 
@@ -129,6 +142,7 @@ docAddin::docAddin(HWND parent, commands::FrontEnd& frontEnd, explorer::UiServic
         SendMessageW(tips, TTM_SETMAXTIPWIDTH, 0,
                      MulDiv(400, static_cast<int>(WindowDpi(hWnd_)), 96));
     helpFile_ = HelpFilePath(OwnFolder());
+    dpi_ = WindowDpi(hWnd_);
     UpdatePictures();
     ConnectTreeEvents();
     LayOut();
@@ -139,6 +153,7 @@ docAddin::~docAddin() {
     // The control lets go of the list before it is freed; its items keep their indexes.
     TreeView_SetImageList(tree_->hWnd(), nullptr, TVSIL_NORMAL);
     if (pictures_ != nullptr) ImageList_Destroy(pictures_);
+    if (font_ != nullptr) DeleteObject(font_);
     dispatcher_.reset();
     contextMenus_.reset();
     explorer_.reset();
@@ -151,11 +166,23 @@ docAddin::~docAddin() {
 
 void docAddin::UpdatePictures() {
     HIMAGELIST previous = pictures_;
-    pictures_ = icons::CreateTreeImageList(WindowDpi(hWnd_));
+    pictures_ = icons::CreateTreeImageList(dpi_);
     tree_->SetPictures(pictures_, [this](const TreeItemNode& node) {
         return TreeIconIndexOf(LookOf(node, vbe_.get()));
     });
     if (previous != nullptr) ImageList_Destroy(previous);
+    HFONT previousFont = font_;
+    font_ = DocumentFont(dpi_);
+    for (HWND child : {tree_->hWnd(), cmdCode_, cmdForm_})
+        SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(font_), TRUE);
+    if (previousFont != nullptr) DeleteObject(previousFont);
+}
+
+void docAddin::SetDpi(UINT dpi) {
+    if (dpi == 0 || dpi == dpi_) return;
+    dpi_ = dpi;
+    UpdatePictures();
+    LayOut();
 }
 
 // Each component whose code is on show is closed and opened again, so that its code tree is
@@ -277,7 +304,7 @@ void docAddin::Resize(int left, int top, int width, int height) {
 void docAddin::LayOut() {
     RECT client{};
     GetClientRect(hWnd_, &client);
-    const UINT dpi = WindowDpi(hWnd_);
+    const UINT dpi = dpi_;
     const int buttonHeight = MulDiv(kButtonHeight, static_cast<int>(dpi), 96);
     const int buttonWidth = MulDiv(kButtonWidth, static_cast<int>(dpi), 96);
     const int gap = MulDiv(kGap, static_cast<int>(dpi), 96);

@@ -58,8 +58,12 @@ class docAddin final {
     // The explorer working on the tree, nullptr before the first Show with an environment.
     explorer::ProjectExplorer* Explorer() noexcept { return explorer_.get(); }
 
-    // Shows Arbolet's icons at the window's current DPI; again after the DPI changed.
+    // Shows Arbolet's icons and the text at the window's current DPI.
     void UpdatePictures();
+    // The window moved to a screen of another DPI (WM_DPICHANGED): icons, font and layout
+    // follow it.
+    void SetDpi(UINT dpi);
+    UINT Dpi() const noexcept { return dpi_; }
 
     // Builds the code trees on show again, after the display options changed.
     void RebuildCodeTrees();
@@ -108,7 +112,8 @@ class docAddin final {
     std::unique_ptr<TreeControl> tree_;
     HWND cmdCode_ = nullptr;
     HWND cmdForm_ = nullptr;
-    HFONT font_ = nullptr;
+    HFONT font_ = nullptr;  // owned: the message font at dpi_
+    UINT dpi_ = 96;
     HIMAGELIST pictures_ = nullptr;
     cPopupMenu menu_;
     std::string helpFile_;
