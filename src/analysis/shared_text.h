@@ -52,6 +52,7 @@ class SharedText {
     friend bool operator<(const SharedText& a, const SharedText& b) { return a.view() < b.view(); }
     friend bool operator>(const SharedText& a, const SharedText& b) { return b < a; }
     friend bool operator<=(const SharedText& a, const SharedText& b) { return !(b < a); }
+    friend std::string operator+(const SharedText& a, const char* b) { return a.str() + b; }
     friend std::ostream& operator<<(std::ostream& out, const SharedText& text) {
         return out << text.view();
     }
