@@ -55,6 +55,8 @@ class LineIdentifier {
         return text + base_;
     }
 
+    bool empty() const { return prefixes_ == nullptr && base_.empty(); }
+
     friend bool operator==(const LineIdentifier& a, const char* b) { return a.str() == b; }
     friend std::ostream& operator<<(std::ostream& out, const LineIdentifier& id) {
         return out << id.str();
