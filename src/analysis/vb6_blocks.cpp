@@ -252,7 +252,23 @@ class Checker {
   private:
     // ---- statements ----
 
+    // A statement, and what follows `Then` or `Else` in it, in a loop rather than by recursion:
+    // a line of thousands of single-line `If`s must not exhaust the stack.
     void Process(std::string_view text, bool last) {
+        while (!text.empty()) {
+            continued_ = {};
+            ProcessOne(text, last);
+            text = continued_;
+            last = continuedLast_;
+        }
+    }
+
+    void Continue(std::string_view text, bool last) {
+        continued_ = text;
+        continuedLast_ = last;
+    }
+
+    void ProcessOne(std::string_view text, bool last) {
         const std::string_view word = FirstWord(text);
         if (word.empty()) return;
         statement_ = text;
@@ -332,7 +348,7 @@ class Checker {
         }
         // Anything after `Then` on the same line makes a single-line `If`, however it goes on.
         singleLine_ = true;
-        if (!afterThen->empty()) Process(*afterThen, last);
+        if (!afterThen->empty()) Continue(*afterThen, last);
     }
 
     void ElseIf(std::string_view word, std::string_view rest) {
@@ -342,7 +358,7 @@ class Checker {
             if (entry.elseLine >= 0) LateBranch("ElseIf", entry);
         }
         const auto afterThen = AfterThen(rest);
-        if (afterThen && !afterThen->empty()) Process(*afterThen, true);
+        if (afterThen && !afterThen->empty()) Continue(*afterThen, true);
     }
 
     void Else(std::string_view word, std::string_view rest, bool last) {
@@ -358,7 +374,7 @@ class Checker {
             }
         }
         // `Else If c Then` opens a new `If`, unlike `ElseIf`.
-        if (!rest.empty()) Process(rest, last);
+        if (!rest.empty()) Continue(rest, last);
     }
 
     void Case(std::string_view word) {
@@ -819,7 +835,9 @@ class Checker {
     bool tree_;
     const LogicalLine* current_ = nullptr;
     std::string_view statement_;  // the statement being read
-    Span closer_;                 // the closing keywords of the statement being read
+    std::string_view continued_;  // what remains of it after `Then` or `Else`
+    bool continuedLast_ = false;
+    Span closer_;  // the closing keywords of the statement being read
     std::vector<Block> blocks_;
     std::int32_t line_ = 0;
     std::int32_t indent_ = 0;

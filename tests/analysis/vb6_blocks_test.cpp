@@ -237,6 +237,10 @@ TEST(Vb6Blocks, HostileInputStaysLinearAndNeverFails) {
     for (int i = 0; i < 30000; ++i)
         deep += "If a Then\n";
     EXPECT_EQ(CheckBlocks(deep).size(), 30000u);
+    std::string singleLine = "Sub A()\n";
+    for (int i = 0; i < 200000; ++i)
+        singleLine += "If a Then Else ";
+    EXPECT_EQ(Messages(singleLine + "\nEnd Sub\n"), Texts{});
     std::string conditionals;
     for (int i = 0; i < 20000; ++i)
         conditionals += "#If A Then\nFor i = 1 To 2\n#Else\n";
