@@ -23,6 +23,25 @@ bool IsWordChar(char byte) {
     return kWord[static_cast<unsigned char>(byte)];
 }
 
+// The length of a date literal (`#12:00:00 AM#`, `#1/2/2000#`) starting at `p`, or 0. A `#` after a
+// name is a type suffix (`x#`) and one before a file number (`Print #1, a: b`) opens none: the
+// literal holds only digits, blanks, `/ - : .` and the letters of AM and PM, with a digit.
+std::size_t DateLiteralLength(const char* begin, const char* p, const char* end) {
+    if (p > begin && IsWordChar(p[-1])) return 0;
+    bool digit = false;
+    for (const char* q = p + 1; q < end; ++q) {
+        const char c = *q;
+        if (c == '#') return digit ? static_cast<std::size_t>(q - p) + 1 : 0;
+        if (c >= '0' && c <= '9') {
+            digit = true;
+        } else if (!(c == ' ' || c == '/' || c == '-' || c == ':' || c == '.' || c == 'a' ||
+                     c == 'A' || c == 'p' || c == 'P' || c == 'm' || c == 'M')) {
+            return 0;
+        }
+    }
+    return 0;
+}
+
 }  // namespace
 
 std::string_view LineReader::PhysicalLine() {
@@ -96,6 +115,9 @@ std::size_t StatementEnd(std::string_view line, std::size_t from, bool& comment)
                 while (++p < end && *p != '"') {
                 }
                 if (p == end) return line.size();
+                break;
+            case '#':
+                if (const std::size_t length = DateLiteralLength(begin, p, end)) p += length - 1;
                 break;
             case '\'':
                 comment = true;
