@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 
 namespace arbolet::analysis::vb6 {
 namespace {
@@ -44,12 +45,27 @@ std::size_t DateLiteralLength(const char* begin, const char* p, const char* end)
 
 }  // namespace
 
+// The next line break at or after `at`: the searches for CR and for LF are each remembered until
+// passed, so that a file of lone CRs or of lone LFs is still read in one pass.
+const char* LineReader::NextBreak(const char* at) {
+    const char* const end = source_.data() + source_.size();
+    if (nextLf_ == nullptr || nextLf_ < at) {
+        nextLf_ =
+            static_cast<const char*>(std::memchr(at, '\n', static_cast<std::size_t>(end - at)));
+        if (nextLf_ == nullptr) nextLf_ = end;
+    }
+    if (nextCr_ == nullptr || nextCr_ < at) {
+        nextCr_ =
+            static_cast<const char*>(std::memchr(at, '\r', static_cast<std::size_t>(end - at)));
+        if (nextCr_ == nullptr) nextCr_ = end;
+    }
+    return std::min(nextLf_, nextCr_);
+}
+
 std::string_view LineReader::PhysicalLine() {
     const char* const begin = source_.data() + position_;
     const char* const end = source_.data() + source_.size();
-    const char* p = begin;
-    while (p < end && *p != '\r' && *p != '\n')
-        ++p;
+    const char* p = NextBreak(begin);
     const std::string_view line(begin, static_cast<std::size_t>(p - begin));
     p += LineEndLength(std::string_view(p, static_cast<std::size_t>(end - p))) - 1;
     position_ = std::min(static_cast<std::size_t>(p - source_.data()) + 1, source_.size());
@@ -106,9 +122,17 @@ bool EndsWithContinuation(std::string_view line) {
 }
 
 std::size_t StatementEnd(std::string_view line, std::size_t from, bool& comment) {
+    // Only these bytes can end a statement or start what hides a colon.
+    static constexpr auto kSpecial = [] {
+        std::array<bool, 256> special{};
+        for (const unsigned char c : {'"', '\'', ':', '#'})
+            special[c] = true;
+        return special;
+    }();
     const char* const begin = line.data();
     const char* const end = begin + line.size();
     for (const char* p = begin + from; p < end; ++p) {
+        if (!kSpecial[static_cast<unsigned char>(*p)]) continue;
         switch (*p) {
             case '"':
                 // A doubled quote inside a string reads as closing and reopening it.
