@@ -1,6 +1,8 @@
 // Component files: the designer header, module attributes and code (see component_file.h).
 #include "disk/component_file.h"
 
+#include <cstring>
+
 #include <algorithm>
 
 #include "base/utf8.h"
@@ -113,26 +115,43 @@ void CheckBytes(std::string_view bytes, const std::vector<RawLine>& raw,
 
 std::vector<RawLine> SplitRawLines(std::string_view bytes) {
     std::vector<RawLine> lines;
-    std::size_t start = 0;
-    for (std::size_t i = 0; i < bytes.size(); ++i) {
-        if (bytes[i] != '\r' && bytes[i] != '\n') continue;
-        RawLine line{start, i - start, LineEnding::LF};
-        if (bytes[i] == '\r') {
-            const std::string_view rest = bytes.substr(i);
+    lines.reserve(bytes.size() / 32 + 1);
+    const char* const begin = bytes.data();
+    const char* const end = begin + bytes.size();
+    // The next CR and the next LF are each searched with memchr and remembered until passed, so
+    // that files of lone CRs or of lone LFs are split in one pass.
+    const auto find = [end](const char* from, char c) {
+        const void* at = std::memchr(from, c, static_cast<std::size_t>(end - from));
+        return at == nullptr ? end : static_cast<const char*>(at);
+    };
+    const char* nextCr = find(begin, '\r');
+    const char* nextLf = find(begin, '\n');
+    const char* start = begin;
+    while (true) {
+        if (nextCr < start) nextCr = find(start, '\r');
+        if (nextLf < start) nextLf = find(start, '\n');
+        const char* p = std::min(nextCr, nextLf);
+        if (p == end) break;
+        RawLine line{static_cast<std::size_t>(start - begin), static_cast<std::size_t>(p - start),
+                     LineEnding::LF};
+        if (*p == '\r') {
+            const std::string_view rest(p, static_cast<std::size_t>(end - p));
             if (rest.starts_with("\r\r\n")) {
                 line.ending = LineEnding::CRCRLF;
-                i += 2;
+                p += 2;
             } else if (rest.starts_with("\r\n")) {
                 line.ending = LineEnding::CRLF;
-                ++i;
+                ++p;
             } else {
                 line.ending = LineEnding::CR;
             }
         }
         lines.push_back(line);
-        start = i + 1;
+        start = p + 1;
     }
-    if (start < bytes.size()) lines.push_back({start, bytes.size() - start, LineEnding::None});
+    if (start < end)
+        lines.push_back({static_cast<std::size_t>(start - begin),
+                         static_cast<std::size_t>(end - start), LineEnding::None});
     return lines;
 }
 
