@@ -8,22 +8,6 @@
 namespace arbolet::analysis::vb6 {
 namespace {
 
-bool IsWordChar(char byte) {
-    static constexpr auto kWord = [] {
-        std::array<bool, 256> word{};
-        for (int c = 'a'; c <= 'z'; ++c)
-            word[static_cast<std::size_t>(c)] = word[static_cast<std::size_t>(c - 32)] = true;
-        for (int c = '0'; c <= '9'; ++c)
-            word[static_cast<std::size_t>(c)] = true;
-        word['_'] = true;
-        // Bytes of non-ASCII letters, in whatever code page, belong to names.
-        for (int c = 0x80; c < 0x100; ++c)
-            word[static_cast<std::size_t>(c)] = true;
-        return word;
-    }();
-    return kWord[static_cast<unsigned char>(byte)];
-}
-
 // The length of a date literal (`#12:00:00 AM#`, `#1/2/2000#`) starting at `p`, or 0. A `#` after a
 // name is a type suffix (`x#`) and one before a file number (`Print #1, a: b`) opens none: the
 // literal holds only digits, blanks, `/ - : .` and the letters of AM and PM, with a digit.
@@ -159,29 +143,11 @@ std::size_t StatementEnd(std::string_view line, std::size_t from, bool& comment)
     return line.size();
 }
 
-std::string_view FirstWord(std::string_view text) {
-    std::size_t end = 0;
-    if (!text.empty() && text[0] == '#') end = 1;
-    while (end < text.size() && IsWordChar(text[end]))
-        ++end;
-    return text.substr(0, end);
-}
-
 std::string_view AfterWord(std::string_view text, std::string_view word) {
     text.remove_prefix(word.size());
     while (!text.empty() && IsBlank(text.front()))
         text.remove_prefix(1);
     return text;
-}
-
-bool WordIs(std::string_view word, std::string_view lowerKeyword) {
-    if (word.size() != lowerKeyword.size()) return false;
-    for (std::size_t i = 0; i < word.size(); ++i) {
-        const auto c = static_cast<unsigned char>(word[i]);
-        if ((c >= 'A' && c <= 'Z' ? c + 32 : c) != static_cast<unsigned char>(lowerKeyword[i]))
-            return false;
-    }
-    return true;
 }
 
 }  // namespace arbolet::analysis::vb6
