@@ -2,6 +2,7 @@
 #include "cli/check_findings.h"
 
 #include <algorithm>
+#include <optional>
 
 #include "analysis/colours.h"
 #include "analysis/vb6_blocks.h"
@@ -61,9 +62,12 @@ bool IsAscii(std::string_view text) {
 // only the names quoted in messages are decoded.
 void AddVb6Findings(std::string_view bytes, const disk::CodeLocation& code, int codePage,
                     const std::string& shown, FileResult& result) {
+    // The file is split into lines only when a finding needs its line's text.
+    std::optional<std::vector<disk::RawLine>> lines;
     const auto lineText = [&](std::int32_t line) -> std::string_view {
-        if (line < 1 || static_cast<std::size_t>(line) > code.raw.size()) return {};
-        const disk::RawLine& raw = code.raw[static_cast<std::size_t>(line - 1)];
+        if (!lines) lines = disk::SplitRawLines(bytes);
+        if (line < 1 || static_cast<std::size_t>(line) > lines->size()) return {};
+        const disk::RawLine& raw = (*lines)[static_cast<std::size_t>(line - 1)];
         return bytes.substr(raw.offset, raw.length);
     };
     const auto decoded = [codePage](std::string text) {
