@@ -5,9 +5,12 @@
 
 #include "check/check_metrics.h"
 #include "check/check_targets.h"
+#include "check/check_text.h"
 #include "cli/cli_context.h"
 #include "cli/commands.h"
 #include "cli/metrics_format.h"
+#include "disk/component_file.h"
+#include "disk/vb_path.h"
 
 namespace arbolet::cli {
 namespace {
@@ -37,13 +40,45 @@ check::FigureOrder OrderOf(const std::string& sort) {
     return check::FigureOrder::Source;
 }
 
+// Problems of the paths (missing files, unreadable folders) go to the error stream; a file
+// that cannot be measured sets exit status 2.
+void ReportProblems(CliContext& context, const check::CheckTargets& targets) {
+    for (const auto& f : targets.problems.findings) {
+        context.err << "arbolet: " << check::ShownText(f.path);
+        if (f.line > 0) context.err << ':' << f.line;
+        context.err << ": " << f.severity << ": " << check::ShownText(f.message) << '\n';
+    }
+    if (targets.problems.unreadable) context.Fail(kExitUsage);
+    for (const auto& exclusion : targets.unusedExclusions) {
+        context.err << "arbolet: warning: --exclude " << check::ShownText(exclusion)
+                    << " matches nothing\n";
+    }
+}
+
 void RunMetrics(CliContext& context, const MetricsOptions& options) {
-    MetricsReport report = check::MeasureTargets(
-        CollectTargets(context, options.paths, options.exclusions), context.codePage);
-    for (const auto& component : report.components) {
-        if (!component.error.empty()) context.Fail(kExitUsage);
-        report.procedures.insert(report.procedures.end(), component.procedures.begin(),
-                                 component.procedures.end());
+    const check::CheckTargets targets =
+        check::CollectCheckTargets(options.paths, options.exclusions, context.codePage);
+    ReportProblems(context, targets);
+    MetricsReport report;
+    for (const auto& target : targets.files) {
+        if (!disk::IsComponentFileName(disk::PathToUtf8(target.path.filename()))) {
+            context.err << "arbolet: " << check::ShownText(target.shown)
+                        << ": not a component file (.bas .cls .frm .ctl .pag .dob .dsr), a .vbp "
+                           "project, a .vbg group or a folder\n";
+            context.Fail(kExitUsage);
+            continue;
+        }
+        check::ComponentFigures figures =
+            check::MeasureComponentFile(target.path, target.shown, context.codePage);
+        figures.project = target.project;
+        if (!figures.error.empty()) {
+            context.err << "arbolet: " << check::ShownText(target.shown) << ": "
+                        << check::ShownText(figures.error) << '\n';
+            context.Fail(kExitUsage);
+        }
+        report.procedures.insert(report.procedures.end(), figures.procedures.begin(),
+                                 figures.procedures.end());
+        report.components.push_back(std::move(figures));
     }
     check::SortProcedures(report.procedures, OrderOf(options.sort));
     if (options.top > 0 && report.procedures.size() > options.top)

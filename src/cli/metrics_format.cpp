@@ -73,7 +73,7 @@ Layout Measure(const std::vector<check::ProcedureFigures>& procedures, std::size
     const std::size_t wanted = layout.location + kGap + layout.procedure + figures;
     if (wanted <= width) return layout;
     std::size_t excess = wanted - width;
-    constexpr std::size_t kMinimum = 12;
+    constexpr std::size_t kMinimum = 6;
     const std::size_t procedureCut =
         std::min(excess, layout.procedure > kMinimum ? layout.procedure - kMinimum : 0);
     layout.procedure -= procedureCut;

@@ -118,7 +118,7 @@ TEST_F(Gate, SarifForCodeScanning) {
     EXPECT_EQ(run.status, 1);
     const auto log = nlohmann::json::parse(run.out);
     std::ifstream schemaFile(ARBOLET_SOURCE_DIR "/tests/cli/sarif-2.1.0-subset.schema.json");
-    const testing::JsonSchema schema(nlohmann::json::parse(schemaFile));
+    const arbolet::testing::JsonSchema schema(nlohmann::json::parse(schemaFile));
     EXPECT_EQ(schema.Validate(log), std::vector<std::string>{});
     const auto& run0 = log.at("runs").at(0);
     const auto& driver = run0.at("tool").at("driver");
@@ -129,9 +129,8 @@ TEST_F(Gate, SarifForCodeScanning) {
         EXPECT_NE(rule.at("helpUri").get<std::string>().find("#"), std::string::npos);
     }
     const auto& result = run0.at("results").at(0);
-    EXPECT_EQ(
-        result.at("partialFingerprints").at("primaryLocationLineHash").get<std::string>().size(),
-        16u);
+    const std::string hash = result.at("partialFingerprints").at("primaryLocationLineHash");
+    EXPECT_EQ(hash, result.at("partialFingerprints").at("lineText/v1").get<std::string>() + ":1");
     const auto& location = result.at("locations").at(0).at("physicalLocation");
     EXPECT_EQ(location.at("artifactLocation").at("uri"), "src/modBroken.bas");
     EXPECT_EQ(location.at("artifactLocation").at("uriBaseId"), "SRCROOT");
@@ -185,7 +184,8 @@ TEST_F(Gate, ExitStatusesWithBaselines) {
     EXPECT_EQ(Arbolet({"check", "--baseline", "base.json", "src"}).status, 0);
 
     // A baselined warning neither prints nor fails --strict.
-    Write("app/A.vbp", "Type=Exe\r\nModule=modGone; gone.bas\r\nName=\"A\"\r\n");
+    Write("app/A.vbp",
+          "Type=Exe\r\nModule=modOk; modOk.bas\r\nModule=modGone; gone.bas\r\nName=\"A\"\r\n");
     Write("app/modOk.bas", "Attribute VB_Name = \"modOk\"\r\n");
     EXPECT_EQ(Arbolet({"check", "--strict", "app/A.vbp"}).status, 2);
     EXPECT_EQ(Arbolet({"check", "--write-baseline", "app.json", "app/A.vbp"}).status, 0);
