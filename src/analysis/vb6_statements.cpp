@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
 
 namespace arbolet::analysis::vb6 {
@@ -29,27 +30,32 @@ std::size_t DateLiteralLength(const char* begin, const char* p, const char* end)
 
 }  // namespace
 
-// The next line break at or after `at`: the searches for CR and for LF are each remembered until
-// passed, so that a file of lone CRs or of lone LFs is still read in one pass.
-const char* LineReader::NextBreak(const char* at) {
-    const char* const end = source_.data() + source_.size();
-    if (nextLf_ == nullptr || nextLf_ < at) {
-        nextLf_ =
-            static_cast<const char*>(std::memchr(at, '\n', static_cast<std::size_t>(end - at)));
-        if (nextLf_ == nullptr) nextLf_ = end;
+// The first CR or LF at or after `p`, eight bytes at a time: a byte equal to CR or LF becomes a
+// zero byte after an XOR, and the lowest byte whose zero test fires is the first match (bytes
+// above a true zero may fire too, never bytes below it).
+const char* FindBreak(const char* p, const char* end) {
+    if constexpr (std::endian::native == std::endian::little) {
+        constexpr std::uint64_t kOnes = 0x0101010101010101ull;
+        constexpr std::uint64_t kHigh = 0x8080808080808080ull;
+        const auto zeroBytes = [](std::uint64_t x) { return (x - kOnes) & ~x & kHigh; };
+        while (end - p >= 8) {
+            std::uint64_t word;
+            std::memcpy(&word, p, sizeof word);
+            const std::uint64_t found =
+                zeroBytes(word ^ (kOnes * '\n')) | zeroBytes(word ^ (kOnes * '\r'));
+            if (found != 0) return p + (std::countr_zero(found) >> 3);
+            p += 8;
+        }
     }
-    if (nextCr_ == nullptr || nextCr_ < at) {
-        nextCr_ =
-            static_cast<const char*>(std::memchr(at, '\r', static_cast<std::size_t>(end - at)));
-        if (nextCr_ == nullptr) nextCr_ = end;
-    }
-    return std::min(nextLf_, nextCr_);
+    while (p < end && *p != '\r' && *p != '\n')
+        ++p;
+    return p;
 }
 
 std::string_view LineReader::PhysicalLine() {
     const char* const begin = source_.data() + position_;
     const char* const end = source_.data() + source_.size();
-    const char* p = NextBreak(begin);
+    const char* p = FindBreak(begin, end);
     const std::string_view line(begin, static_cast<std::size_t>(p - begin));
     p += LineEndLength(std::string_view(p, static_cast<std::size_t>(end - p))) - 1;
     position_ = std::min(static_cast<std::size_t>(p - source_.data()) + 1, source_.size());

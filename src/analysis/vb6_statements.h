@@ -48,15 +48,12 @@ class LineReader {
 
   private:
     std::string_view PhysicalLine();
-    const char* NextBreak(const char* at);
 
     std::string_view source_;
     std::size_t position_ = 0;
     std::int32_t physical_ = 0;
     std::string joined_;
     std::vector<std::uint32_t> joins_;
-    const char* nextLf_ = nullptr;
-    const char* nextCr_ = nullptr;
 };
 
 // Whether a physical line ends with a continuation: a `_` after a blank (or alone), then only

@@ -208,14 +208,18 @@ namespace {
 // (a stretch between two LFs that long; a file of lone CRs is one such stretch).
 bool MayNeedDiagnostics(std::string_view bytes) {
     if (bytes.find('\0') != std::string_view::npos) return true;
+    // Every line is short when each window of a line's most bytes and an LF, starting after an
+    // LF, holds another LF; jumping to the window's last LF looks at a few bytes per window, not
+    // at every line. A line just short enough but for its CR takes the careful way, as does a
+    // file of lone CRs.
+    constexpr std::size_t kWindow = kMaxVbLineBytes + 1;
     std::size_t start = 0;
-    while (start < bytes.size()) {
-        const auto lf = bytes.find('\n', start);
-        const std::size_t stop = lf == std::string_view::npos ? bytes.size() : lf;
-        if (stop - start > kMaxVbLineBytes + 2) return true;  // CR CR before the LF
-        start = stop + 1;
+    while (bytes.size() - start > kWindow) {
+        const auto lf = bytes.substr(start, kWindow).rfind('\n');
+        if (lf == std::string_view::npos) return true;
+        start += lf + 1;
     }
-    return false;
+    return bytes.size() - start > kMaxVbLineBytes;
 }
 
 // The lines of the header and attributes, split only as far as they go, so that the code of a
