@@ -30,24 +30,30 @@ std::size_t DateLiteralLength(const char* begin, const char* p, const char* end)
 
 }  // namespace
 
-// The first CR or LF at or after `p`, eight bytes at a time: a byte equal to CR or LF becomes a
-// zero byte after an XOR, and the lowest byte whose zero test fires is the first match (bytes
-// above a true zero may fire too, never bytes below it).
-const char* FindBreak(const char* p, const char* end) {
+constexpr std::uint64_t kOnes = 0x0101010101010101ull;
+constexpr std::uint64_t kHigh = 0x8080808080808080ull;
+
+// The bytes of a word equal to `c` as their high bits: an XOR turns them into zero bytes, and the
+// lowest flagged byte is the first match (bytes above a true zero may be flagged too, never
+// bytes below it).
+constexpr std::uint64_t BytesEqual(std::uint64_t word, char c) {
+    const std::uint64_t x = word ^ (kOnes * static_cast<unsigned char>(c));
+    return (x - kOnes) & ~x & kHigh;
+}
+
+// The first byte at or after `p` that is one of `targets`, eight bytes at a time.
+template <char... targets>
+const char* FindAny(const char* p, const char* end) {
     if constexpr (std::endian::native == std::endian::little) {
-        constexpr std::uint64_t kOnes = 0x0101010101010101ull;
-        constexpr std::uint64_t kHigh = 0x8080808080808080ull;
-        const auto zeroBytes = [](std::uint64_t x) { return (x - kOnes) & ~x & kHigh; };
         while (end - p >= 8) {
             std::uint64_t word;
             std::memcpy(&word, p, sizeof word);
-            const std::uint64_t found =
-                zeroBytes(word ^ (kOnes * '\n')) | zeroBytes(word ^ (kOnes * '\r'));
+            const std::uint64_t found = (BytesEqual(word, targets) | ...);
             if (found != 0) return p + (std::countr_zero(found) >> 3);
             p += 8;
         }
     }
-    while (p < end && *p != '\r' && *p != '\n')
+    while (p < end && ((*p != targets) && ...))
         ++p;
     return p;
 }
@@ -55,7 +61,7 @@ const char* FindBreak(const char* p, const char* end) {
 std::string_view LineReader::PhysicalLine() {
     const char* const begin = source_.data() + position_;
     const char* const end = source_.data() + source_.size();
-    const char* p = FindBreak(begin, end);
+    const char* p = FindAny<'\r', '\n'>(begin, end);
     const std::string_view line(begin, static_cast<std::size_t>(p - begin));
     p += LineEndLength(std::string_view(p, static_cast<std::size_t>(end - p))) - 1;
     position_ = std::min(static_cast<std::size_t>(p - source_.data()) + 1, source_.size());
@@ -112,17 +118,12 @@ bool EndsWithContinuation(std::string_view line) {
 }
 
 std::size_t StatementEnd(std::string_view line, std::size_t from, bool& comment) {
-    // Only these bytes can end a statement or start what hides a colon.
-    static constexpr auto kSpecial = [] {
-        std::array<bool, 256> special{};
-        for (const unsigned char c : {'"', '\'', ':', '#'})
-            special[c] = true;
-        return special;
-    }();
     const char* const begin = line.data();
     const char* const end = begin + line.size();
     for (const char* p = begin + from; p < end; ++p) {
-        if (!kSpecial[static_cast<unsigned char>(*p)]) continue;
+        // Only these bytes can end a statement or start what hides a colon.
+        p = FindAny<'"', '\'', ':', '#'>(p, end);
+        if (p == end) break;
         switch (*p) {
             case '"':
                 // A doubled quote inside a string reads as closing and reopening it.
