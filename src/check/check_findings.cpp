@@ -218,16 +218,21 @@ FileResult CheckComponentBytes(std::string_view bytes, const std::string& shown,
 
 FileResult CheckComponentFile(const std::filesystem::path& path, const std::string& shown,
                               int codePage, RuleSet rules, const QualityLimits& limits) {
-    std::string bytes;
+    // One buffer per thread: files checked in turn reuse its memory.
+    thread_local std::string bytes;
     try {
-        bytes = disk::ReadFileBytes(path);
+        disk::ReadFileBytes(path, bytes);
     } catch (const disk::FileError& error) {
         FileResult result;
         result.unreadable = true;
         result.findings.push_back(MakeFinding(shown, 0, "error", kUnreadableFile, error.what()));
         return result;
     }
-    return CheckComponentBytes(bytes, shown, codePage, rules, limits);
+    FileResult result = CheckComponentBytes(bytes, shown, codePage, rules, limits);
+    // A long-running caller (the language server) keeps no huge file's memory.
+    constexpr std::size_t kKeptBuffer = 16u << 20;
+    if (bytes.capacity() > kKeptBuffer) std::string().swap(bytes);
+    return result;
 }
 
 }  // namespace arbolet::check
