@@ -44,7 +44,9 @@ ComponentFigures MeasureComponentFile(const std::filesystem::path& path, const s
         figures.error = error.what();
         return figures;
     }
-    const disk::CodeLocation code = disk::LocateCode(bytes);
+    std::string_view view = bytes;
+    if (view.starts_with("\xEF\xBB\xBF")) view.remove_prefix(3);  // as check reads it
+    const disk::CodeLocation code = disk::LocateCode(view);
     for (const auto& diagnostic : code.diagnostics) {
         if (diagnostic.severity == disk::FileDiagnostic::Severity::Error) {
             figures.error = diagnostic.message;
@@ -52,8 +54,7 @@ ComponentFigures MeasureComponentFile(const std::filesystem::path& path, const s
         }
     }
     const auto firstLine = static_cast<std::int32_t>(code.firstCodeLine + 1);
-    for (auto& metrics : analysis::vb6::ComputeMetrics(
-             std::string_view(bytes).substr(code.codeOffset), firstLine)) {
+    for (auto& metrics : analysis::vb6::ComputeMetrics(view.substr(code.codeOffset), firstLine)) {
         ProcedureFigures procedure;
         procedure.component = shown;
         procedure.name = Decoded(metrics.name, codePage);

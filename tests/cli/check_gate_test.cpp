@@ -311,6 +311,13 @@ TEST_F(Gate, MetricsOfEveryProcedureWithTotals) {
     EXPECT_NE(wide.out.find("total: 2 procedures, 11 lines of code"), std::string::npos)
         << wide.out;
     EXPECT_EQ(Arbolet({"metrics", "missing.bas"}).status, 2);
+    // A byte-order mark hides neither the header nor the first procedure.
+    Write("modMark.cls", std::string("\xEF\xBB\xBFVERSION 1.0 CLASS\r\nBEGIN\r\nEND\r\n") + kBusy);
+    const auto marked =
+        nlohmann::json::parse(Arbolet({"metrics", "--format", "json", "modMark.cls"}).out);
+    ASSERT_EQ(marked["procedures"].size(), 2u);
+    EXPECT_EQ(marked["procedures"][0]["line"], 5);
+    EXPECT_EQ(marked["procedures"][0]["complexity"], 5);
 }
 
 }  // namespace
