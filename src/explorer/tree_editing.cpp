@@ -201,6 +201,11 @@ Outcome ProjectExplorer::AddDroppedFile(env::VBProject& project, const std::stri
             return Refuse(file + " is already part of " + project.Name(), MsgBoxIcon::Information,
                           "Existing File");
         }
+        // A component whose name is taken is refused by the project's rule, like an existing
+        // file; anything else went wrong.
+        if (error.Number == env::enverr::kInvalidPropertyValue) {
+            return Refuse(error.Description, MsgBoxIcon::Critical, "Cannot Add File");
+        }
         ui_.MsgBox(error.Description, MsgBoxIcon::Critical, "Cannot Add File");
         return Outcome::Failed(error.Description);
     } catch (const std::exception& error) {
