@@ -131,7 +131,7 @@ bool ComponentText::WriteProperty(std::string_view key, std::string_view value) 
     if (line) {
         editor_.ReplaceContent(*line, *encoded);
     } else {
-        editor_.InsertLine(static_cast<std::size_t>(file_.attributesEnd), *encoded);
+        InsertLineBehindMark(static_cast<std::size_t>(file_.attributesEnd), *encoded);
     }
     file_ = ParseComponentFile(editor_.Bytes(), codePage_);
     return true;
@@ -168,18 +168,33 @@ void ComponentText::Rename(std::string_view newName) {
         const auto open = raw.find('"');
         const auto close = open == std::string_view::npos ? open : raw.find('"', open + 1);
         if (open == std::string_view::npos) {
-            editor_.ReplaceContent(*nameLine, "Attribute VB_Name = \"" + *encoded + "\"");
+            const std::string_view mark = raw.substr(0, *nameLine == 0 ? Utf8BomLength(raw) : 0);
+            editor_.ReplaceContent(*nameLine,
+                                   std::string(mark) + "Attribute VB_Name = \"" + *encoded + "\"");
         } else {
             editor_.ReplaceInLine(*nameLine, open + 1,
                                   (close == std::string_view::npos ? raw.size() : close) - open - 1,
                                   *encoded);
         }
     } else {
-        editor_.InsertLine(static_cast<std::size_t>(file_.attributesBegin),
-                           "Attribute VB_Name = \"" + *encoded + "\"");
+        InsertLineBehindMark(static_cast<std::size_t>(file_.attributesBegin),
+                             "Attribute VB_Name = \"" + *encoded + "\"");
     }
     RenameDesignerBlock(oldName, *encoded);
     file_ = ParseComponentFile(editor_.Bytes(), codePage_);
+}
+
+// A line before the first line of the file goes behind its byte-order mark.
+void ComponentText::InsertLineBehindMark(std::size_t before, const std::string& line) {
+    const std::size_t bom = Utf8BomLength(editor_.Bytes());
+    if (before != 0 || bom == 0 || editor_.LineCount() == 0) {
+        editor_.InsertLine(before, line);
+        return;
+    }
+    const std::string first(editor_.Content(0).substr(bom));
+    editor_.InsertLine(0, line);
+    editor_.ReplaceContent(0, std::string(kUtf8Bom) + line);
+    editor_.ReplaceContent(1, first);
 }
 
 // `Begin VB.Form frmMain`: the IDE writes the component's name there too.

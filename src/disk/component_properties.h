@@ -41,6 +41,7 @@ class ComponentText {
   private:
     void RequireReadableStructure(const char* source) const;
     void RenameDesignerBlock(std::string_view oldName, const std::string& encodedName);
+    void InsertLineBehindMark(std::size_t before, const std::string& line);
     std::optional<std::size_t> FindPropertyLine(std::string_view key) const;
 
     LineEditor editor_;

@@ -72,6 +72,30 @@ TEST(ComponentProperties, EditsOnlyTheirOwnLine) {
     }
 }
 
+// A byte-order mark is no part of the first line: the header and attributes behind it are read,
+// edits go behind it, and it stays the file's first bytes.
+TEST(ComponentProperties, ReadAndEditBehindAByteOrderMark) {
+    const std::string bom = "\xEF\xBB\xBF";
+    const std::string form = bom +
+                             "VERSION 5.00\r\nBegin VB.Form frmA\r\nEnd\r\n"
+                             "Attribute VB_Name = \"frmA\"\r\nDim x\r\n";
+    ComponentText text(form, kCp1252);
+    EXPECT_EQ(text.File().name, "frmA");
+    EXPECT_EQ(text.File().CodeText(), "Dim x");
+    EXPECT_EQ(LocateCode(form).firstCodeLine, 4);
+    text.Rename("frmB");
+    EXPECT_EQ(text.Bytes(), bom +
+                                "VERSION 5.00\r\nBegin VB.Form frmB\r\nEnd\r\n"
+                                "Attribute VB_Name = \"frmB\"\r\nDim x\r\n");
+
+    ComponentText bare(bom + "Sub Main()\nEnd Sub\n", kCp1252);
+    EXPECT_EQ(bare.File().CodeText(), "Sub Main()\r\nEnd Sub");
+    ASSERT_TRUE(bare.WriteProperty("QX-TypeName", "Tools"));
+    EXPECT_EQ(bare.Bytes(),
+              bom + "Attribute VB_Ext_KEY = \"QX-TypeName\" ,\"Tools\"\nSub Main()\nEnd Sub\n");
+    EXPECT_EQ(bare.ReadProperty("QX-TypeName"), "Tools");
+}
+
 TEST(ComponentProperties, ReadsOnlyTheModuleAttributeBlock) {
     const ComponentText text(
         "Attribute VB_Name = \"modA\"\r\nAttribute VB_Ext_KEY = \"QX-TypeName\" ,\"Tools\"\r\n"
