@@ -30,7 +30,9 @@ std::optional<std::string> ComponentFileFor(const std::string& file) {
 }  // namespace
 
 Outcome ProjectExplorer::AfterLabelEdit(tree::Node& node, std::string_view newText) {
-    if (!IsValidFolderName(newText)) {
+    // A blank folder name would be trimmed away on loading, leaving a folder nobody sees.
+    const bool blankFolder = node.Kind() == tree::NodeKind::Folder && text::Trim(newText).empty();
+    if (!IsValidFolderName(newText) || blankFolder) {
         return Refuse("Not a valid name.", MsgBoxIcon::Information, "Invalid Name");
     }
     try {
