@@ -35,6 +35,10 @@ class DiskProject;
 class DiskProjects;
 class DiskComponent;
 
+// The project's start-up object as its file names it now ("Form1", "Sub Main", "(None)"), without
+// quotes; empty when it names none or is no project on disk.
+std::string StartupObject(const env::VBProject& project);
+
 class DiskEnvironment final : public env::VBE,
                               public std::enable_shared_from_this<DiskEnvironment> {
   public:

@@ -154,7 +154,7 @@ TEST_F(ComponentCommands, NewRefusesWithTheIdesRuleAndChangesNothing) {
 TEST_F(ComponentCommands, RemoveTakesOnlyTheEntryLine) {
     const CliRun run = Arbolet({"remove", shop, "project"});
     ASSERT_EQ(run.status, 0) << run.err;
-    EXPECT_EQ(run.out, "removed project from Shop (its files stay)\n");
+    EXPECT_EQ(run.out, "removed Project from Shop (its files stay)\n");
     std::string expected = kShopVbp;
     expected.erase(expected.find("Module=Project"),
                    std::string("Module=Project; Project.bas\n").size());
