@@ -114,9 +114,8 @@ env::VBComponentRef DiskComponents::AddFile(std::string_view fileName) {
         throw VbError(env::enverr::kInvalidProcedureCall, kSource,
                       "'" + std::string(fileName) + "' is not a component file");
     }
-    const fs::path canonical = PathIdentity(*resolved);
     for (const auto& component : items) {
-        if (PathIdentity(component->Path()) == canonical) {
+        if (SameFileOnWindows(component->Path(), *resolved)) {
             throw VbError(env::enverr::kFileAlreadyInProject, kSource,
                           "'" + std::string(fileName) + "' is already part of the project");
         }

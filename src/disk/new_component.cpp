@@ -77,9 +77,12 @@ std::string Designer(std::string_view type, std::string_view name,
     return text + Lines({"End"});
 }
 
+// On Windows `Module1.bas` is `module1.bas`: a name taken in any case is taken.
 bool FileTaken(const DiskProject& project, const fs::path& file) {
     std::error_code ec;
-    if (fs::exists(file, ec)) return true;
+    if (fs::exists(file, ec) || FileNameTaken(file.parent_path(), PathToUtf8(file.filename()))) {
+        return true;
+    }
     const std::string lower = text::ToLower(PathToUtf8(file.filename()));
     for (const auto& component : project.components->items) {
         if (text::ToLower(PathToUtf8(component->Path().filename())) == lower) return true;
@@ -233,7 +236,10 @@ env::VBComponentRef AddNewComponent(DiskProject& project, NewComponentKind kind,
     const std::string fileName = chosen + std::string(info.extension);
     const fs::path file = project.Path().parent_path() / PathFromUtf8(fileName);
     if (FileTaken(project, file)) {
-        throw VbError(58, kSource, "File already exists: '" + fileName + "'");
+        // Named as it is spelt on disk, which may differ in case from the name asked for.
+        const auto existing = ResolveVbPath(file.parent_path(), PathToUtf8(file.filename()));
+        const std::string taken = existing ? PathToUtf8(existing->filename()) : fileName;
+        throw VbError(58, kSource, "File already exists: '" + taken + "'");
     }
     WriteFileAtomic(file, NewComponentText(kind, chosen));
 

@@ -226,11 +226,11 @@ TEST_F(ComponentCommands, FileNameClashesIgnoreLetterCase) {
     EXPECT_EQ(folder.Read("module1.bas"), "Attribute VB_Name = \"Other\"\r\n");
 
     // A second file that differs from a listed one only in case is that file on Windows.
-    folder.Write("CLSDATA.CLS",
+    folder.Write("CLSDATA.cls",
                  "VERSION 1.0 CLASS\r\nBEGIN\r\nEND\r\n"
                  "Attribute VB_Name = \"clsOther\"\r\n");
     const std::string before = folder.Read("Shop.vbp");
-    const CliRun add = Arbolet({"add", shop, (folder / "CLSDATA.CLS").string()});
+    const CliRun add = Arbolet({"add", shop, (folder / "CLSDATA.cls").string()});
     EXPECT_EQ(add.status, 1) << add.err;
     EXPECT_NE(add.err.find("is already part of Shop"), std::string::npos) << add.err;
     EXPECT_EQ(folder.Read("Shop.vbp"), before);
