@@ -212,6 +212,35 @@ TEST_F(EditCommands, RenamingAUserControlRenamesWhereItIsHosted) {
     EXPECT_NE(run.err.find("frmMain.frm"), std::string::npos) << run.err;
 }
 
+// A control of an ActiveX control project in a group is hosted by the other projects' forms
+// under that project's name; they follow the rename too, and a form of an unrelated project
+// that hosts a control of the same name elsewhere does not.
+TEST_F(EditCommands, RenamingAUserControlInAGroupRenamesItsHostsInTheOtherProjects) {
+    folder.Write("ocx/Gauges.vbp", "Type=Control\r\nUserControl=Meter.ctl\r\nName=\"Gauges\"\r\n");
+    folder.Write("ocx/Meter.ctl",
+                 "VERSION 5.00\r\nBegin VB.UserControl Meter\r\nEnd\r\n"
+                 "Attribute VB_Name = \"Meter\"\r\n");
+    const std::string host =
+        "VERSION 5.00\r\nBegin VB.Form frmMain\r\n   Begin Gauges.Meter m\r\n   End\r\n"
+        "   Begin Shop.Meter s\r\n   End\r\nEnd\r\nAttribute VB_Name = \"frmMain\"\r\n";
+    folder.Write("frmMain.frm", host);
+    const std::string group =
+        folder
+            .Write("All.vbg",
+                   "VBGROUP 5.0\r\nStartupProject=Shop.vbp\r\nProject=ocx\\Gauges.vbp\r\n")
+            .string();
+    // `rename` takes one project; the group's environment is what the tool window has.
+    auto environment = disk::DiskEnvironment::Open({group});
+    const auto gauges = environment->VBProjects()->Item("Gauges");
+    gauges->VBComponents()->Item("Meter")->SetName("Dial");
+    environment->Save();
+    std::string expected = host;
+    expected.replace(expected.find("Gauges.Meter") + 7, 5, "Dial");
+    EXPECT_EQ(folder.Read("frmMain.frm"), expected);
+    EXPECT_NE(folder.Read("ocx/Meter.ctl").find("Begin VB.UserControl Dial\r\n"),
+              std::string::npos);
+}
+
 // A folder that cannot be seen, or a second spelling of one that exists, is no new folder.
 TEST_F(EditCommands, FoldersAddRefusesBlankAndExistingNames) {
     ASSERT_EQ(Arbolet({"folders", vbp, "add", "Tools"}).status, 0);
