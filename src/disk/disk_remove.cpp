@@ -19,13 +19,15 @@ namespace {
 // `Sub Main` or `Public [Static] Sub Main`, whatever follows the name; a private one cannot
 // start a program.
 bool DeclaresSubMain(std::string_view line) {
-    std::string rest = text::ToLower(text::Trim(line));
+    const std::size_t first = line.find_first_not_of(" \t");
+    if (first == std::string_view::npos) return false;
+    std::string rest = text::ToLower(line.substr(first));
     const auto take = [&](std::string_view word) {
         if (!rest.starts_with(word) || rest.size() == word.size() ||
             (rest[word.size()] != ' ' && rest[word.size()] != '\t')) {
             return false;
         }
-        rest = std::string(text::TrimLeft(std::string_view(rest).substr(word.size())));
+        rest.erase(0, std::min(rest.find_first_not_of(" \t", word.size()), rest.size()));
         return true;
     };
     take("public");

@@ -183,6 +183,9 @@ TEST_F(ComponentCommands, RemoveTakesEveryEntryOfAComponentListedTwice) {
 // Removing the start-up form leaves the project starting where the IDE would have it start:
 // Sub Main when a module has one, else nothing; the output says so.
 TEST_F(ComponentCommands, RemovingTheStartupFormMovesTheStartupToSubMainOrNone) {
+    folder.Write("Project.bas",
+                 "Attribute VB_Name = \"Project\"\r\n\tPublic  Sub\tMain ()\r\n"
+                 "End Sub\r\n");
     const CliRun run = Arbolet({"remove", shop, "frmMain"});
     ASSERT_EQ(run.status, 0) << run.err;
     EXPECT_NE(run.out.find("the project now starts with Sub Main"), std::string::npos) << run.out;
