@@ -90,6 +90,14 @@ std::vector<std::filesystem::path> ComponentFiles(CliContext& context,
                                                   const std::vector<std::string>& paths) {
     std::vector<std::filesystem::path> files;
     const CheckTargets targets = CollectCheckTargets(paths, {}, context.codePage);
+    // A path that is not there, a project that cannot be opened or a component it lists that
+    // is missing: the other files are still printed, and the exit status says what was left out.
+    for (const check::Finding& problem : targets.problems.findings) {
+        context.err << problem.path;
+        if (problem.line > 0) context.err << ':' << problem.line;
+        context.err << ": " << problem.severity << ": " << problem.message << '\n';
+    }
+    if (targets.problems.unreadable || targets.missing > 0) context.Fail(kExitUsage);
     for (const auto& target : targets.files) {
         if (disk::IsComponentFileName(disk::PathToUtf8(target.path.filename()))) {
             files.push_back(disk::PathFromUtf8(target.shown));  // as the user should see it

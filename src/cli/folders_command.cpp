@@ -138,8 +138,7 @@ bool Change(CliContext& context, LoadedTree& loaded, env::VBProject& project,
         return RenameFolder(context, loaded, project, options);
     }
     if (options.add->parsed()) {
-        if (RefuseInvalidName(context, loaded, options.name)) return false;
-        loaded.explorer.AddFolder(project, options.name);
+        return Report(context, loaded.ui, loaded.explorer.AddFolder(project, options.name));
     } else if (options.remove->parsed()) {
         // The folder is taken as it is spelt in the project, whatever the case typed. Removing
         // a fixed group would write an empty folder into every component of its kind.

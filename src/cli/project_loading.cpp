@@ -9,6 +9,13 @@
 
 namespace arbolet::cli {
 
+void PrintWarning(CliContext& context, const disk::LoadWarning& warning) {
+    context.err << (warning.line > 0
+                        ? warning.file + ":" + std::to_string(warning.line) + ": warning: "
+                        : warning.file + ": warning: ")
+                << warning.message << '\n';
+}
+
 std::shared_ptr<disk::DiskEnvironment> OpenProjects(const std::vector<std::string>& paths,
                                                     CliContext& context) {
     std::vector<std::filesystem::path> files;
@@ -16,12 +23,8 @@ std::shared_ptr<disk::DiskEnvironment> OpenProjects(const std::vector<std::strin
         files.push_back(disk::PathFromUtf8(path));
     try {
         auto environment = disk::DiskEnvironment::Open(files, context.codePage);
-        for (const auto& warning : environment->Warnings()) {
-            context.err << (warning.line > 0
-                                ? warning.file + ":" + std::to_string(warning.line) + ": warning: "
-                                : warning.file + ": warning: ")
-                        << warning.message << '\n';
-        }
+        for (const auto& warning : environment->Warnings())
+            PrintWarning(context, warning);
         return environment;
     } catch (const disk::FileError& error) {
         context.err << "arbolet: " << error.what() << '\n';

@@ -17,6 +17,9 @@ namespace arbolet::cli {
 
 struct CliContext;
 
+// "file:line: warning: message" on the error stream, as compilers write it.
+void PrintWarning(CliContext& context, const disk::LoadWarning& warning);
+
 // Opens .vbp and .vbg files; nullptr (reported, exit status 2) when one cannot be opened.
 std::shared_ptr<disk::DiskEnvironment> OpenProjects(const std::vector<std::string>& paths,
                                                     CliContext& context);

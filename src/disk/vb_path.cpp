@@ -142,6 +142,15 @@ fs::path PathIdentity(const fs::path& path) {
 #endif
 }
 
+bool SameFileOnWindows(const fs::path& a, const fs::path& b) {
+    return text::ToLower(PathToUtf8(PathIdentity(a).generic_u8string())) ==
+           text::ToLower(PathToUtf8(PathIdentity(b).generic_u8string()));
+}
+
+bool FileNameTaken(const fs::path& folder, std::string_view fileName) {
+    return ResolveVbPath(folder, fileName).has_value();
+}
+
 std::string VbPathFor(const fs::path& file, const fs::path& projectFolder) {
     const fs::path folder = AbsolutePath(projectFolder);
     fs::path relative = AbsolutePath(file).lexically_relative(folder);
