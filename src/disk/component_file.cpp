@@ -239,7 +239,7 @@ std::optional<CodeLocation> LocateCodeWithin(std::string_view bytes, std::size_t
     CodeLocation location;
     location.raw = SplitRawLines(bytes, maxLines);
     const bool whole = location.raw.size() < maxLines;
-    const RawLineViews lines{bytes, location.raw};
+    const RawLineViews lines{bytes, location.raw, Utf8BomLength(bytes)};
     std::size_t i = SkipHeader(lines, location.diagnostics);
     while (i < lines.size() && IsAttributeLine(lines[i]))
         ++i;
