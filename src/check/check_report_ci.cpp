@@ -4,6 +4,7 @@
 #include <map>
 
 #include "base/json_writer.h"
+#include "check/check_report.h"
 #include "check/check_text.h"
 
 namespace arbolet::check {
@@ -54,7 +55,7 @@ void WriteCheckGithub(std::ostream& out, const std::vector<FileResult>& results)
     for (const auto& result : results) {
         for (const auto& f : result.findings) {
             out << "::" << (f.severity == "error" ? "error" : "warning")
-                << " file=" << GithubProperty(ShownText(f.path));
+                << " file=" << GithubProperty(ShownText(RelativeToWorkingFolder(f.path)));
             if (f.line > 0) out << ",line=" << f.line;
             if (f.column > 0) out << ",col=" << f.column;
             if (f.endColumn > f.column) out << ",endColumn=" << f.endColumn;
@@ -71,7 +72,7 @@ void WriteCheckGitlab(std::ostream& out, const std::vector<FileResult>& results)
     json.BeginArray();
     for (const auto& result : results) {
         for (const auto& f : result.findings) {
-            const std::string shownPath = ShownText(f.path);
+            const std::string shownPath = ShownText(RelativeToWorkingFolder(f.path));
             std::string fingerprint = shownPath + '\n' + f.rule + '\n' + f.fingerprint;
             const int occurrence = seen[fingerprint]++;
             fingerprint += '\n' + std::to_string(occurrence);

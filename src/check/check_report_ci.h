@@ -12,7 +12,8 @@
 namespace arbolet::check {
 
 // One `::error file=…,line=…,col=…,title=…::message` line per finding (`::warning` for
-// warnings), escaped as GitHub reads them.
+// warnings), escaped as GitHub reads them. Paths below the working folder (the checkout) are
+// relative to it, as GitHub and GitLab match them to the repository's files.
 void WriteCheckGithub(std::ostream& out, const std::vector<FileResult>& results);
 
 // A JSON array of Code Quality issues: description, check_name, fingerprint (unique per issue),

@@ -73,14 +73,17 @@ Layout Measure(const std::vector<check::ProcedureFigures>& procedures, std::size
     const std::size_t wanted = layout.location + kGap + layout.procedure + figures;
     if (wanted <= width) return layout;
     std::size_t excess = wanted - width;
-    constexpr std::size_t kMinimum = 6;
-    const std::size_t procedureCut =
-        std::min(excess, layout.procedure > kMinimum ? layout.procedure - kMinimum : 0);
-    layout.procedure -= procedureCut;
-    excess -= procedureCut;
-    const std::size_t locationCut =
-        std::min(excess, layout.location > kMinimum ? layout.location - kMinimum : 0);
-    layout.location -= locationCut;
+    // The procedure column gives way first, down to a readable width, then the location; then
+    // both down to a few characters.
+    const auto cut = [&excess](std::size_t& column, std::size_t floor) {
+        const std::size_t by = std::min(excess, column > floor ? column - floor : 0);
+        column -= by;
+        excess -= by;
+    };
+    cut(layout.procedure, 16);
+    cut(layout.location, 16);
+    cut(layout.procedure, 6);
+    cut(layout.location, 6);
     return layout;
 }
 

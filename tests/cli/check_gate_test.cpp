@@ -165,7 +165,12 @@ TEST_F(Gate, GithubAndGitlabFormats) {
                                0),
               0u)
         << github.out;
-    const CliRun gitlab = Arbolet({"check", "--format", "gitlab", "src"});
+    // An absolute path inside the checkout is given relative to it.
+    const CliRun absolute =
+        Arbolet({"check", "--format", "github", (folder_.Path() / "src").string()});
+    EXPECT_EQ(absolute.out.rfind("::error file=src/modBroken.bas,", 0), 0u) << absolute.out;
+    const CliRun gitlab = Arbolet(
+        {"check", "--format", "gitlab", (folder_.Path() / "src" / "modBroken.bas").string()});
     const auto issues = nlohmann::json::parse(gitlab.out);
     ASSERT_EQ(issues.size(), 1u);
     EXPECT_EQ(issues[0]["location"]["path"], "src/modBroken.bas");
