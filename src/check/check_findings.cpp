@@ -68,15 +68,21 @@ class LazyLines {
     explicit LazyLines(std::string_view bytes) : bytes_(bytes) {}
 
     std::string_view operator()(std::int32_t line) {
-        if (!lines_) lines_ = disk::SplitRawLines(bytes_);
-        if (line < 1 || static_cast<std::size_t>(line) > lines_->size()) return {};
-        const disk::RawLine& raw = (*lines_)[static_cast<std::size_t>(line - 1)];
+        if (!split_) {
+            lines_ = disk::SplitRawLines(bytes_);
+            split_ = true;
+        }
+        if (line < 1 || static_cast<std::size_t>(line) > lines_.size()) return {};
+        const disk::RawLine& raw = lines_[static_cast<std::size_t>(line - 1)];
         return bytes_.substr(raw.offset, raw.length);
     }
 
   private:
     std::string_view bytes_;
-    std::optional<std::vector<disk::RawLine>> lines_;
+    // A flag beside the vector rather than an optional one: GCC 12 takes the optional's storage
+    // for uninitialised at -O2.
+    bool split_ = false;
+    std::vector<disk::RawLine> lines_;
 };
 
 // The statement on a decoded line: from its first character that is no blank to its last, in
