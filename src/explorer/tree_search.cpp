@@ -85,6 +85,7 @@ bool KeepMatches(ProjectExplorer& explorer, tree::Nodes& nodes, const tree::Node
                 Contains(text::ToLower(node->Text()), query.text)) {
                 for (tree::NodeRef child = node->Child(); child; child = child->Next())
                     result.components += child->Kind() == tree::NodeKind::Component ? 1 : 0;
+                if (node->Child() && !node->Expanded()) node->SetExpanded(true);
                 return true;
             }
             std::vector<tree::NodeRef> children;

@@ -103,6 +103,7 @@ TEST_F(TreeSearch, NamesKeepMatchingComponentsAndFoldersUnderTheirProjects) {
     result = Search("class");
     EXPECT_EQ(Tree(), "*Shop\n  Class Modules\n    clsOrder\n    clsStockItem\n");
     EXPECT_EQ(result.components, 2);
+    EXPECT_TRUE(Node("Type~Class Modules~Shop")->Expanded());
     EXPECT_EQ(Search("s").components, 4);
 
     result = Search("nothing like it");

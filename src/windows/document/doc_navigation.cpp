@@ -37,16 +37,16 @@ DocNavigation::DocNavigation(docAddin& document, HWND parent, UINT searchId, UIN
                  reinterpret_cast<LPARAM>(L"Find (Ctrl+F); :name finds procedures"));
     SetWindowSubclass(search_, &DocNavigation::SearchProc, kSearchSubclass,
                       reinterpret_cast<DWORD_PTR>(this));
-    locate_ = CreateWindowExW(0, L"BUTTON", L"&Locate", WS_CHILD | WS_VISIBLE | WS_TABSTOP, 0, 0,
-                              80, 24, parent,
-                              reinterpret_cast<HMENU>(static_cast<UINT_PTR>(locateId)),
-                              ModuleOf(parent), nullptr);
+    locate_ = CreateWindowExW(
+        0, L"BUTTON", L"&Locate", WS_CHILD | WS_VISIBLE | WS_TABSTOP, 0, 0, 80, 24, parent,
+        reinterpret_cast<HMENU>(static_cast<UINT_PTR>(locateId)), ModuleOf(parent), nullptr);
     status_ = CreateWindowExW(0, L"STATIC", L"", WS_CHILD | SS_LEFTNOWORDWRAP | SS_CENTERIMAGE, 0,
                               0, 100, 18, parent, nullptr, ModuleOf(parent), nullptr);
 }
 
 DocNavigation::~DocNavigation() {
-    if (IsWindow(search_)) RemoveWindowSubclass(search_, &DocNavigation::SearchProc, kSearchSubclass);
+    if (IsWindow(search_))
+        RemoveWindowSubclass(search_, &DocNavigation::SearchProc, kSearchSubclass);
 }
 
 void DocNavigation::SetFont(HFONT font) {
@@ -272,7 +272,8 @@ LRESULT CALLBACK DocNavigation::SearchProc(HWND hWnd, UINT iMsg, WPARAM wParam, 
             return 0;
         }
         if (iMsg == WM_CHAR && (wParam == VK_ESCAPE || wParam == VK_RETURN)) return 0;
-        if (iMsg == WM_GETDLGCODE) return DLGC_WANTALLKEYS | DefSubclassProc(hWnd, iMsg, wParam, lParam);
+        if (iMsg == WM_GETDLGCODE)
+            return DLGC_WANTALLKEYS | DefSubclassProc(hWnd, iMsg, wParam, lParam);
     } catch (const std::exception&) {
         return 0;
     }
