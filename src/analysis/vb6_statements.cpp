@@ -3,34 +3,53 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 
 namespace arbolet::analysis::vb6 {
 namespace {
 
-bool IsWordChar(char byte) {
-    static constexpr auto kWord = [] {
-        std::array<bool, 256> word{};
-        for (int c = 'a'; c <= 'z'; ++c)
-            word[static_cast<std::size_t>(c)] = word[static_cast<std::size_t>(c - 32)] = true;
-        for (int c = '0'; c <= '9'; ++c)
-            word[static_cast<std::size_t>(c)] = true;
-        word['_'] = true;
-        // Bytes of non-ASCII letters, in whatever code page, belong to names.
-        for (int c = 0x80; c < 0x100; ++c)
-            word[static_cast<std::size_t>(c)] = true;
-        return word;
-    }();
-    return kWord[static_cast<unsigned char>(byte)];
+// The length of a date literal (`#12:00:00 AM#`, `#1/2/2000#`) starting at `p`, or 0. A `#` after a
+// name is a type suffix (`x#`) and one before a file number (`Print #1, a: b`) opens none: the
+// literal holds only digits, blanks, `/ - : .` and the letters of AM and PM, with a digit.
+std::size_t DateLiteralLength(const char* begin, const char* p, const char* end) {
+    if (p > begin && IsWordChar(p[-1])) return 0;
+    bool digit = false;
+    for (const char* q = p + 1; q < end; ++q) {
+        const char c = *q;
+        if (c == '#') return digit ? static_cast<std::size_t>(q - p) + 1 : 0;
+        if (c >= '0' && c <= '9') {
+            digit = true;
+        } else if (!(c == ' ' || c == '/' || c == '-' || c == ':' || c == '.' || c == 'a' ||
+                     c == 'A' || c == 'p' || c == 'P' || c == 'm' || c == 'M')) {
+            return 0;
+        }
+    }
+    return 0;
 }
 
 }  // namespace
 
+// The next line break at or after `at`: the searches for CR and for LF are each remembered until
+// passed, so that a file of lone CRs or of lone LFs is still read in one pass.
+const char* LineReader::NextBreak(const char* at) {
+    const char* const end = source_.data() + source_.size();
+    if (nextLf_ == nullptr || nextLf_ < at) {
+        nextLf_ =
+            static_cast<const char*>(std::memchr(at, '\n', static_cast<std::size_t>(end - at)));
+        if (nextLf_ == nullptr) nextLf_ = end;
+    }
+    if (nextCr_ == nullptr || nextCr_ < at) {
+        nextCr_ =
+            static_cast<const char*>(std::memchr(at, '\r', static_cast<std::size_t>(end - at)));
+        if (nextCr_ == nullptr) nextCr_ = end;
+    }
+    return std::min(nextLf_, nextCr_);
+}
+
 std::string_view LineReader::PhysicalLine() {
     const char* const begin = source_.data() + position_;
     const char* const end = source_.data() + source_.size();
-    const char* p = begin;
-    while (p < end && *p != '\r' && *p != '\n')
-        ++p;
+    const char* p = NextBreak(begin);
     const std::string_view line(begin, static_cast<std::size_t>(p - begin));
     p += LineEndLength(std::string_view(p, static_cast<std::size_t>(end - p))) - 1;
     position_ = std::min(static_cast<std::size_t>(p - source_.data()) + 1, source_.size());
@@ -42,6 +61,7 @@ bool LineReader::Next(LogicalLine& line) {
     if (position_ >= source_.size()) return false;
     line.firstLine = physical_;
     std::string_view physical = PhysicalLine();
+    line.joins = {};
     if (!EndsWithContinuation(physical) || position_ >= source_.size()) {
         line.text = physical;
         line.lastLine = physical_ - 1;
@@ -49,16 +69,26 @@ bool LineReader::Next(LogicalLine& line) {
     }
     // A continued statement: the pieces are joined with the `_` turned into a blank.
     joined_.clear();
+    joins_.clear();
     while (EndsWithContinuation(physical) && position_ < source_.size()) {
         const auto underscore = physical.find_last_of('_');
         joined_.append(physical.substr(0, underscore));
         joined_ += ' ';
+        joins_.push_back(static_cast<std::uint32_t>(joined_.size()));
         physical = PhysicalLine();
     }
     joined_.append(physical);
     line.text = joined_;
+    line.joins = joins_;
     line.lastLine = physical_ - 1;
     return true;
+}
+
+PhysicalPosition PositionIn(const LogicalLine& line, std::size_t offset) {
+    const auto after = std::upper_bound(line.joins.begin(), line.joins.end(), offset);
+    const auto piece = static_cast<std::int32_t>(after - line.joins.begin());
+    const std::size_t start = piece == 0 ? 0 : line.joins[static_cast<std::size_t>(piece - 1)];
+    return {line.firstLine + piece, static_cast<std::int32_t>(offset - start)};
 }
 
 std::size_t LineEndLength(std::string_view rest) {
@@ -76,15 +106,26 @@ bool EndsWithContinuation(std::string_view line) {
 }
 
 std::size_t StatementEnd(std::string_view line, std::size_t from, bool& comment) {
+    // Only these bytes can end a statement or start what hides a colon.
+    static constexpr auto kSpecial = [] {
+        std::array<bool, 256> special{};
+        for (const unsigned char c : {'"', '\'', ':', '#'})
+            special[c] = true;
+        return special;
+    }();
     const char* const begin = line.data();
     const char* const end = begin + line.size();
     for (const char* p = begin + from; p < end; ++p) {
+        if (!kSpecial[static_cast<unsigned char>(*p)]) continue;
         switch (*p) {
             case '"':
                 // A doubled quote inside a string reads as closing and reopening it.
                 while (++p < end && *p != '"') {
                 }
                 if (p == end) return line.size();
+                break;
+            case '#':
+                if (const std::size_t length = DateLiteralLength(begin, p, end)) p += length - 1;
                 break;
             case '\'':
                 comment = true;
@@ -102,29 +143,11 @@ std::size_t StatementEnd(std::string_view line, std::size_t from, bool& comment)
     return line.size();
 }
 
-std::string_view FirstWord(std::string_view text) {
-    std::size_t end = 0;
-    if (!text.empty() && text[0] == '#') end = 1;
-    while (end < text.size() && IsWordChar(text[end]))
-        ++end;
-    return text.substr(0, end);
-}
-
 std::string_view AfterWord(std::string_view text, std::string_view word) {
     text.remove_prefix(word.size());
     while (!text.empty() && IsBlank(text.front()))
         text.remove_prefix(1);
     return text;
-}
-
-bool WordIs(std::string_view word, std::string_view lowerKeyword) {
-    if (word.size() != lowerKeyword.size()) return false;
-    for (std::size_t i = 0; i < word.size(); ++i) {
-        const auto c = static_cast<unsigned char>(word[i]);
-        if ((c >= 'A' && c <= 'Z' ? c + 32 : c) != static_cast<unsigned char>(lowerKeyword[i]))
-            return false;
-    }
-    return true;
 }
 
 }  // namespace arbolet::analysis::vb6
