@@ -146,6 +146,9 @@ class ProjectExplorer {
     // (removed, or the old key of a renamed one). For what keeps facts about the code.
     std::function<void(const std::string& componentKey, bool gone)> ComponentCodeChanged;
 
+    // A component's code tree was just shown below its node, built from `code`.
+    std::function<void(tree::Node& component, std::string_view code)> CodeShown;
+
     // The event sources taken at the last full reload (nullptr before it).
     std::shared_ptr<env::VBProjectsEvents> projEvents;
     std::shared_ptr<env::VBComponentsEvents> compEvents;

@@ -247,8 +247,9 @@ std::int32_t ProjectExplorer::ShowMatchingLines(
     std::string_view componentKey, const std::function<bool(const analysis::clsLine&)>& keep) {
     const std::string key(componentKey);
     if (!NodeExists(key)) return 0;
+    const std::string text = CodeOf(key);
     const analysis::CodeTree code =
-        analysis::BuildCodeTree(CodeOf(key), displayOptions_.ReadDisplayOptions());
+        analysis::BuildCodeTree(text, displayOptions_.ReadDisplayOptions());
     std::vector<const analysis::clsLine*> kept;
     for (std::int32_t i = 0; i < code.root->ChildCount; ++i) {
         const analysis::clsLine* line = code.root->Child(i);
@@ -269,6 +270,7 @@ std::int32_t ProjectExplorer::ShowMatchingLines(
     }
     d_components[key] = CodeTreeState{code.lineCount};
     node->SetExpanded(true);
+    if (CodeShown) CodeShown(*node, text);
     return static_cast<std::int32_t>(kept.size());
 }
 

@@ -6,7 +6,9 @@
 #include <exception>
 
 #include "explorer/node_keys.h"
+#include "explorer/procedure_metrics.h"
 #include "windows/document/doc_addin.h"
+#include "windows/options/settings.h"
 #include "windows/registry/ansi_text.h"
 
 namespace arbolet::windows {
@@ -65,6 +67,13 @@ void DocNavigation::Reloaded() {
     explorer::ProjectExplorer* explorer = document_.Explorer();
     if (explorer == nullptr) return;
     census_.Recount(*explorer, document_.treMain().Nodes());
+    explorer->CodeShown = [](tree::Node& component, std::string_view code) {
+        try {
+            if (options::ShowMetrics()) explorer::ShowMetrics(component, code);
+        } catch (const std::exception&) {
+            // Without the option's value the tips stay as they were.
+        }
+    };
     explorer->ComponentCodeChanged = [this](const std::string& key, bool gone) {
         procedures_.Forget(key);
         if (const auto* current = document_.Explorer()) census_.Recheck(*current, key, gone);
