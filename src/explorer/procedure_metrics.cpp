@@ -40,3 +40,20 @@ bool PassesLimits(const analysis::vb6::ProcedureMetrics& metrics, const MetricLi
 }
 
 }  // namespace arbolet::explorer
+
+namespace arbolet::explorer {
+
+std::string LimitsText(const analysis::vb6::ProcedureMetrics& metrics, const MetricLimits& limits) {
+    std::string text;
+    const auto add = [&text](const char* what, int value, const std::optional<int>& limit) {
+        if (!limit || value <= *limit) return;
+        text += text.empty() ? "Over the project's limits: " : ", ";
+        text += std::string(what) + " " + std::to_string(value) + " > " + std::to_string(*limit);
+    };
+    add("lines of code", metrics.linesOfCode, limits.maxProcedureLines);
+    add("nesting", metrics.maxNesting, limits.maxNesting);
+    add("complexity", metrics.complexity, limits.maxComplexity);
+    return text;
+}
+
+}  // namespace arbolet::explorer

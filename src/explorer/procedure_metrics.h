@@ -35,5 +35,8 @@ struct MetricLimits {
     std::optional<int> maxComplexity;
 };
 bool PassesLimits(const analysis::vb6::ProcedureMetrics& metrics, const MetricLimits& limits);
+// What passes them: "Over the project's limits: nesting 5 > 4, complexity 17 > 15"; "" when
+// nothing does.
+std::string LimitsText(const analysis::vb6::ProcedureMetrics& metrics, const MetricLimits& limits);
 
 }  // namespace arbolet::explorer

@@ -5,6 +5,8 @@
 
 #include <exception>
 
+#include "check/check_config.h"
+#include "disk/vb_path.h"
 #include "explorer/node_keys.h"
 #include "explorer/procedure_metrics.h"
 #include "windows/document/doc_addin.h"
@@ -67,12 +69,9 @@ void DocNavigation::Reloaded() {
     explorer::ProjectExplorer* explorer = document_.Explorer();
     if (explorer == nullptr) return;
     census_.Recount(*explorer, document_.treMain().Nodes());
-    explorer->CodeShown = [](tree::Node& component, std::string_view code) {
-        try {
-            if (options::ShowMetrics()) explorer::ShowMetrics(component, code);
-        } catch (const std::exception&) {
-            // Without the option's value the tips stay as they were.
-        }
+    limits_.clear();
+    explorer->CodeShown = [this](tree::Node& component, std::string_view code) {
+        ShowMetricsOf(component, code);
     };
     explorer->ComponentCodeChanged = [this](const std::string& key, bool gone) {
         procedures_.Forget(key);
@@ -80,6 +79,42 @@ void DocNavigation::Reloaded() {
         UpdateStatus();
     };
     UpdateStatus();
+}
+
+void DocNavigation::ShowMetricsOf(tree::Node& component, std::string_view code) {
+    try {
+        if (!options::ShowMetrics()) return;
+        const std::vector<explorer::ProcedureNode> shown = explorer::ShowMetrics(component, code);
+        if (shown.empty()) return;
+        const explorer::MetricLimits limits = LimitsFor(component);
+        for (const explorer::ProcedureNode& procedure : shown) {
+            const std::string over = explorer::LimitsText(procedure.metrics, limits);
+            if (!over.empty()) procedure.node->SetTag(procedure.node->Tag() + "\r\n" + over);
+        }
+    } catch (const std::exception&) {
+        // Without the option's value the tips stay as they were.
+    }
+}
+
+// A configuration that cannot be read or used sets no limits; `arbolet check` says why.
+explorer::MetricLimits DocNavigation::LimitsFor(const tree::Node& component) {
+    explorer::ProjectExplorer* explorer = document_.Explorer();
+    const env::VBProjectRef project = explorer ? explorer->ProjectOfNode(component) : nullptr;
+    if (!project) return {};
+    const std::filesystem::path folder = disk::PathFromUtf8(project->FileName()).parent_path();
+    const std::string key = WideToUtf8(folder.wstring());
+    const auto known = limits_.find(key);
+    if (known != limits_.end()) return known->second;
+    explorer::MetricLimits limits;
+    try {
+        if (const auto file = check::FindConfig(folder)) {
+            const check::QualityLimits read = check::LoadConfig(*file, WideToUtf8(file->wstring()));
+            limits = {read.maxNesting, read.maxProcedureLines, read.maxComplexity};
+        }
+    } catch (const std::exception&) {
+        limits = {};
+    }
+    return limits_[key] = limits;
 }
 
 void DocNavigation::UpdateStatus() {

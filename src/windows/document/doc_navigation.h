@@ -7,11 +7,13 @@
 
 #include <windows.h>
 
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "explorer/code_navigation.h"
+#include "explorer/procedure_metrics.h"
 #include "explorer/tree_search.h"
 #include "popupmenu/menu_items.h"
 
@@ -67,6 +69,9 @@ class DocNavigation final {
     static LRESULT CALLBACK SearchProc(HWND hWnd, UINT iMsg, WPARAM wParam, LPARAM lParam,
                                        UINT_PTR id, DWORD_PTR self);
     void UpdateStatus();
+    void ShowMetricsOf(tree::Node& component, std::string_view code);
+    // The quality limits of the .arbolet.json found from the component's project folder.
+    explorer::MetricLimits LimitsFor(const tree::Node& component);
     void Select(const tree::NodeRef& node);
     std::string FirstVisibleKey() const;
     void ScrollTo(const std::string& firstVisible);
@@ -80,6 +85,8 @@ class DocNavigation final {
     std::optional<explorer::TreeSnapshot> before_;
     explorer::ProcedureIndex procedures_;
     explorer::BlockErrorCensus census_;
+    // Per project folder, the limits read at the first code tree shown since the last reload.
+    std::map<std::string, explorer::MetricLimits> limits_;
     // Set while the box is changed from code, which must not search again.
     bool quiet_ = false;
 };

@@ -246,6 +246,8 @@ TEST_F(ExplorerNavigationTest, F8StepsThroughTheRedNodesOfTwoProjects) {
 
 TEST_F(ExplorerNavigationTest, WithShowMetricsAProceduresTipShowsItsSizeAndComplexity) {
     windows::options::ShowMetrics(true);
+    // The project's quality limits: StateOf passes the complexity, IsAvailable does not.
+    folder_.Write(".arbolet.json", "{\n  // as check reads it\n  \"max-complexity\": 2\n}\n");
     Open(true);
     Press("modStock~Inventory~", VK_RIGHT);
     const std::string procedure = "SmodStock~Inventory~@15";  // Public Function StateOf(...)
@@ -255,6 +257,9 @@ TEST_F(ExplorerNavigationTest, WithShowMetricsAProceduresTipShowsItsSizeAndCompl
     EXPECT_NE(tip.find("\r\nLines of code "), std::string::npos) << tip;
     EXPECT_NE(tip.find("cyclomatic complexity 3"), std::string::npos) << tip;  // two Cases
     EXPECT_EQ(Tree().Item("SmodStock~Inventory~@16")->Tag(), "") << "a block is no procedure";
+    EXPECT_TRUE(tip.ends_with("\r\nOver the project's limits: complexity 3 > 2")) << tip;
+    const std::string within = Tree().Item("SmodStock~Inventory~@41")->Tag();
+    EXPECT_TRUE(within.ends_with("cyclomatic complexity 1")) << within;
 
     // What the control hears when the pointer rests on the node: Windows' tree view asks its
     // parent for the tip with TVN_GETINFOTIP (Wine's does not ask, so the question is put here
