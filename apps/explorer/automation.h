@@ -12,8 +12,8 @@
 namespace arbolet::explorer_app {
 
 inline bool DumpTree(MainWindow& window, const std::string& expand,
-                     const std::filesystem::path& out) {
-    return windows::DumpDocumentTree(window.Document(), expand, out);
+                     const std::filesystem::path& out, bool withSelection = false) {
+    return windows::DumpDocumentTree(window.Document(), expand, out, withSelection);
 }
 
 inline bool DumpMenu(MainWindow& window, const std::string& key, const std::filesystem::path& out,

@@ -9,6 +9,7 @@
 #include "disk/file_io.h"
 #include "disk/vb_path.h"
 #include "editor_launch.h"
+#include "explorer/node_keys.h"
 #include "windows/dialogs/about_box.h"
 #include "windows/dialogs/help.h"
 #include "windows/dialogs/properties_dialog.h"
@@ -63,6 +64,12 @@ void ExplorerFrontEnd::ShowObject(const env::VBComponent& component) {
 
 // The code line is turned into the line of the file, past its designer block and attributes.
 void ExplorerFrontEnd::ShowCode(const env::VBComponent& component, std::int64_t line) {
+    try {
+        lastShown_ = explorer::CodeLocation{env::ProjectOf(component)->Name(),
+                                            explorer::ComponentDisplayName(component), line};
+    } catch (const std::exception&) {
+        lastShown_.reset();
+    }
     const std::filesystem::path file = FileOf(component);
     if (file.empty()) return;
     std::int64_t fileLine = line;

@@ -7,9 +7,11 @@
 #include <windows.h>
 
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "commands/front_end.h"
+#include "explorer/code_navigation.h"
 
 namespace arbolet::explorer_app {
 
@@ -28,10 +30,15 @@ class ExplorerFrontEnd final : public commands::FrontEnd {
     void ShowCode(const env::VBComponent& component, std::int64_t line) override;
     // There is no properties window outside the IDE.
     bool SelectForProperties(const env::VBComponent& component) override;
+    // The component and line the last View Code or Goto opened: where Locate goes.
+    const std::optional<explorer::CodeLocation>& LastShownCode() const noexcept {
+        return lastShown_;
+    }
 
   private:
     HWND window_;
     std::string helpFile_;
+    std::optional<explorer::CodeLocation> lastShown_;
 };
 
 }  // namespace arbolet::explorer_app

@@ -27,6 +27,8 @@ struct Arguments {
     std::string expand;
     std::vector<std::string> dumpMenu;  // the node's key and the output file
     std::string screenshot;
+    std::string filter;
+    std::string locate;
     analysis::DisplayOptions display;
 
     bool Automated() const { return !dumpTree.empty() || !dumpMenu.empty() || !screenshot.empty(); }
@@ -73,6 +75,11 @@ std::optional<Arguments> Parse(int& status) {
                    "the document's background)")
         ->expected(2)
         ->allow_extra_args(false);
+    app.add_option("--filter", arguments.filter,
+                   "Type TEXT into the search box first (:NAME finds procedures)");
+    app.add_option("--locate", arguments.locate,
+                   "COMPONENT:LINE: select the node of that code line first; --dump-tree then "
+                   "writes the selected key as \"selected\"");
     app.add_option("--screenshot", arguments.screenshot,
                    "Save a picture of the window as PNG after the other options, then exit");
     cli::AddDisplayFlags(app, arguments.display);
@@ -91,6 +98,18 @@ std::optional<Arguments> Parse(int& status) {
         return std::nullopt;
     }
     return arguments;
+}
+
+// "modStock:12": the component's name and a code line from 1 on.
+std::optional<explorer::CodeLocation> ParseLocation(const std::string& text) {
+    const std::size_t colon = text.rfind(':');
+    if (colon == std::string::npos || colon == 0 || colon + 1 == text.size()) return std::nullopt;
+    std::int64_t line = 0;
+    for (const char digit : text.substr(colon + 1)) {
+        if (digit < '0' || digit > '9' || line > 99'999'999) return std::nullopt;
+        line = line * 10 + (digit - '0');
+    }
+    return explorer::CodeLocation{{}, text.substr(0, colon), line};
 }
 
 int RunAutomated(const Arguments& arguments) {
@@ -112,8 +131,21 @@ int RunAutomated(const Arguments& arguments) {
         for (const auto& warning : window.Environment()->Warnings())
             Report("warning: " + warning.ToString(), true);
     }
+    if (!arguments.filter.empty()) window.Document().Navigation().SetSearchText(arguments.filter);
+    if (!arguments.locate.empty()) {
+        const auto location = ParseLocation(arguments.locate);
+        if (!location) {
+            Report("--locate wants COMPONENT:LINE, not " + arguments.locate, true);
+            return 2;
+        }
+        if (!window.Document().Navigation().Locate(*location)) {
+            Report("No component " + location->component + " in the tree", true);
+            return 2;
+        }
+    }
     if (!arguments.dumpTree.empty() &&
-        !DumpTree(window, arguments.expand, PathOf(arguments.dumpTree))) {
+        !DumpTree(window, arguments.expand, PathOf(arguments.dumpTree),
+                  !arguments.locate.empty())) {
         Report("Cannot write " + arguments.dumpTree, true);
         return 2;
     }
@@ -145,7 +177,8 @@ int RunInteractive(const Arguments& arguments, int showCommand) {
     std::vector<std::filesystem::path> files;
     for (const auto& project : arguments.projects)
         files.push_back(PathOf(project));
-    if (!files.empty()) window.Open(files);
+    if (!files.empty() && window.Open(files) && !arguments.filter.empty())
+        window.Document().Navigation().SetSearchText(arguments.filter);
     MSG message;
     while (GetMessageW(&message, nullptr, 0, 0) > 0) {
         if (window.TranslateAccelerator(message)) continue;

@@ -346,6 +346,7 @@ LRESULT MainWindow::Handle(UINT iMsg, WPARAM wParam, LPARAM lParam) {
             };
             document_->Edited = [this] { SaveChanges(); };
             document_->SelectionChanged = [this](tree::Node* node) { OnSelectionChanged(node); };
+            document_->CurrentCodeLocation = [this] { return frontEnd_->LastShownCode(); };
             return 0;
         case WM_SIZE:
             if (document_) document_->Resize(0, 0, LOWORD(lParam), HIWORD(lParam));

@@ -110,7 +110,9 @@ void ProjectExplorer::BuildCodeTree(std::string_view componentKey, std::string_v
         return;
     }
     d_components[key] = CodeTreeState{code.lineCount};
-    ShowLines(key, *code.root, Nodes().Item(key));
+    const tree::NodeRef componentNode = Nodes().Item(key);
+    ShowLines(key, *code.root, componentNode);
+    if (CodeShown) CodeShown(*componentNode, codeText);
 }
 
 // Depth first without recursion, so that deeply nested code cannot exhaust the stack. A line

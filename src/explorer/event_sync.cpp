@@ -108,7 +108,21 @@ void ProjectExplorer::ShowComponentAgain(const env::VBComponent& component,
     AddComponentNode(ComponentDisplayName(component), folder, projectName);
 }
 
+// `name`: the name the component had, when it was renamed.
+void ProjectExplorer::TellCodeChanged(const env::VBComponent& component, bool gone,
+                                      std::string_view name) const {
+    if (!ComponentCodeChanged) return;
+    try {
+        const std::string displayName =
+            name.empty() ? ComponentDisplayName(component) : std::string(name);
+        ComponentCodeChanged(ComponentKey(displayName, env::ProjectOf(component)->Name()), gone);
+    } catch (const std::exception&) {
+        // A component without project is in no tree.
+    }
+}
+
 void ProjectExplorer::ComponentAdded(const env::VBComponent& component) {
+    TellCodeChanged(component);
     try {
         ShowComponentAgain(component, env::ProjectOf(component)->Name());
     } catch (const std::exception&) {
@@ -117,6 +131,7 @@ void ProjectExplorer::ComponentAdded(const env::VBComponent& component) {
 }
 
 void ProjectExplorer::ComponentRemoved(const env::VBComponent& component) {
+    TellCodeChanged(component, true);
     try {
         RemoveComponentNode(ComponentDisplayName(component), env::ProjectOf(component)->Name());
     } catch (const std::exception&) {
@@ -126,6 +141,8 @@ void ProjectExplorer::ComponentRemoved(const env::VBComponent& component) {
 
 void ProjectExplorer::ComponentRenamed(const env::VBComponent& component,
                                        std::string_view oldName) {
+    TellCodeChanged(component, true, oldName);
+    TellCodeChanged(component);
     try {
         const std::string projectName = env::ProjectOf(component)->Name();
         RemoveComponentNode(oldName, projectName);
@@ -138,6 +155,7 @@ void ProjectExplorer::ComponentRenamed(const env::VBComponent& component,
 // An open code tree shows the code as it was; closing it makes the next expansion read the
 // reloaded code.
 void ProjectExplorer::ComponentReloaded(const env::VBComponent& component) {
+    TellCodeChanged(component);
     try {
         const std::string key =
             ComponentKey(ComponentDisplayName(component), env::ProjectOf(component)->Name());

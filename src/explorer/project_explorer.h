@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -99,6 +100,16 @@ class ProjectExplorer {
     void ShowLines(std::string_view componentKey, const analysis::clsLine& parentLine,
                    const tree::NodeRef& parentNode);
 
+    // ---- searching and finding code (tree_search.cpp) ----
+
+    // The component's whole code as the environment holds it; "" when it has none.
+    std::string ComponentCode(std::string_view componentKey) const { return CodeOf(componentKey); }
+    // Opens the component node to show only the top-level code lines `keep` accepts, each with
+    // its code tree, keyed as a normal expansion. Returns how many were kept; with none, or -1
+    // when they would pass the node limit, the node stays as it was.
+    std::int32_t ShowMatchingLines(std::string_view componentKey,
+                                   const std::function<bool(const analysis::clsLine&)>& keep);
+
     // ---- keeping in step with the environment ----
 
     // Removes the component's node with everything below it; a missing node is skipped.
@@ -136,6 +147,13 @@ class ProjectExplorer {
     // file yet). The environment's removal event takes the node away.
     Outcome RemoveComponent(const tree::Node& node);
 
+    // A component's code may have changed: it was added, reloaded or renamed, or it is `gone`
+    // (removed, or the old key of a renamed one). For what keeps facts about the code.
+    std::function<void(const std::string& componentKey, bool gone)> ComponentCodeChanged;
+
+    // A component's code tree was just shown below its node, built from `code`.
+    std::function<void(tree::Node& component, std::string_view code)> CodeShown;
+
     // The event sources taken at the last full reload (nullptr before it).
     std::shared_ptr<env::VBProjectsEvents> projEvents;
     std::shared_ptr<env::VBComponentsEvents> compEvents;
@@ -168,6 +186,8 @@ class ProjectExplorer {
     bool MakeRoomFor(std::int32_t lineCount, const std::string& expandingKey);
     tree::NodeRef AddCodeNode(std::string_view componentKey, const analysis::clsLine& line,
                               tree::Node& parent);
+    void TellCodeChanged(const env::VBComponent& component, bool gone = false,
+                         std::string_view name = {}) const;
     void ShowComponentAgain(const env::VBComponent& component, const std::string& projectName);
     void RemoveNodeAndEmptyFolder(const std::string& componentKey);
     Outcome RenameProject(tree::Node& node, std::string_view newText);

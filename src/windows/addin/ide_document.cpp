@@ -2,6 +2,7 @@
 #include "windows/addin/ide_document.h"
 
 #include <cstdint>
+#include <optional>
 
 #include "windows/dialogs/about_box.h"
 #include "windows/dialogs/properties_dialog.h"
@@ -26,6 +27,37 @@ HWND MainWindowOf(const com::Dispatch& vbe) {
     }
 }
 
+// The component and line of the IDE's active code pane, where its caret is; nullopt when no code
+// window is active or the IDE will not say.
+std::optional<explorer::CodeLocation> ActiveCodeLocation(const com::Dispatch& vbe) {
+    try {
+        const com::Dispatch pane = vbe.GetObject(m::VBE::ActiveCodePane);
+        if (!pane) return std::nullopt;
+        const com::Dispatch component =
+            pane.GetObject(m::CodePane::CodeModule).GetObject(m::CodeModule::Parent);
+        explorer::CodeLocation location;
+        location.component = component.GetText(m::VBComponent::Name);
+        location.project = component.GetObject(m::VBComponent::Collection)
+                               .GetObject(m::VBComponents::Parent)
+                               .GetText(m::VBProject::Name);
+        // GetSelection(StartLine, StartColumn, EndLine, EndColumn), all by reference.
+        LONG place[4] = {0, 0, 0, 0};
+        VARIANT references[4];
+        for (int i = 0; i < 4; ++i) {
+            VariantInit(&references[i]);
+            references[i].vt = VT_I4 | VT_BYREF;
+            references[i].plVal = &place[i];
+        }
+        pane.Call(m::CodePane::GetSelection,
+                  {com::Variant::Copy(references[0]), com::Variant::Copy(references[1]),
+                   com::Variant::Copy(references[2]), com::Variant::Copy(references[3])});
+        location.line = place[0];
+        return location;
+    } catch (...) {
+        return std::nullopt;
+    }
+}
+
 class IdeDocument final : public ToolWindowDocument {
   public:
     ~IdeDocument() override { Unload(); }
@@ -47,6 +79,7 @@ class IdeDocument final : public ToolWindowDocument {
         // The front end's IDE window comes with the VBE: the document is made again for it.
         MakeDocument(MainWindowOf(vbe));
         document_->SetEnvironment(ide::WrapVbe(vbe));
+        document_->CurrentCodeLocation = [this] { return ActiveCodeLocation(vbe_); };
     }
     void Shown() override {
         if (document_) document_->Show();

@@ -169,14 +169,17 @@ ARBOLET_MEMBER(VBComponent, WriteProperty, 59)
 ARBOLET_MEMBER(VBComponent, Activate, 60)
 }  // namespace VBComponent
 namespace CodeModule {
+ARBOLET_MEMBER(CodeModule, Parent, 0x60020000)
 ARBOLET_MEMBER(CodeModule, Lines, 0x60020006)
 ARBOLET_MEMBER(CodeModule, CountOfLines, 0x60020007)
 ARBOLET_MEMBER(CodeModule, CodePane, 0x60020012)
 }  // namespace CodeModule
 namespace CodePane {
 ARBOLET_MEMBER(CodePane, Window, 0x60020002)
+ARBOLET_MEMBER(CodePane, GetSelection, 0x60020003)
 ARBOLET_MEMBER(CodePane, SetSelection, 0x60020004)
 ARBOLET_MEMBER(CodePane, TopLine, 0x60020005)
+ARBOLET_MEMBER(CodePane, CodeModule, 0x60020008)
 ARBOLET_MEMBER(CodePane, Show, 0x60020009)
 }  // namespace CodePane
 namespace Windows {

@@ -52,6 +52,9 @@ DialogTemplate BuildTemplate() {
                           BS_3STATE | BS_MULTILINE | WS_TABSTOP | group, 15, y, 104, 20);
         y += 26;
     }
+    // Not a display option of the code tree: the samples do not show it.
+    dialog.AddControl(ControlClass::Button, "Show Metrics", kChkShowMetrics,
+                      BS_3STATE | BS_MULTILINE | WS_TABSTOP, 15, y, 104, 20);
     const std::array<const char*, kSampleCount> frames = {"Sample 2", "Sample 3", "Sample 4"};
     for (int i = 0; i < kSampleCount; ++i) {
         const auto top = static_cast<short>(7 + i * 91);
@@ -85,6 +88,7 @@ void LoadOptions(HWND hDlg) {
     Check(hDlg, kChkConst, opt::ShowConstants());
     Check(hDlg, kChkCompiler, opt::ShowCompiler());
     Check(hDlg, kChkSortByName, opt::SortByName());
+    Check(hDlg, kChkShowMetrics, opt::ShowMetrics());
 }
 
 void SaveOptions(HWND hDlg) {
@@ -95,6 +99,7 @@ void SaveOptions(HWND hDlg) {
     opt::ShowConstants(Checked(hDlg, kChkConst));
     opt::ShowCompiler(Checked(hDlg, kChkCompiler));
     opt::SortByName(Checked(hDlg, kChkSortByName));
+    opt::ShowMetrics(Checked(hDlg, kChkShowMetrics));
 }
 
 // The options as the boxes show them now, for the samples.
@@ -152,6 +157,10 @@ INT_PTR OnCommand(HWND hDlg, WORD id, WORD code) {
     }
     if (id == kCmdCancel) {
         EndDialog(hDlg, IDCANCEL);
+        return TRUE;
+    }
+    if (id == kChkShowMetrics && code == BN_CLICKED) {
+        Toggle(hDlg, id);
         return TRUE;
     }
     if (id >= kChkVariables && id <= kChkSortByName && code == BN_CLICKED) {

@@ -26,6 +26,7 @@ enum PropertiesControl : WORD {
     kPicOptions2,
     kPicOptions3,
     kPicOptions4,
+    kChkShowMetrics,
     kCmdOK = IDOK,
     kCmdCancel = IDCANCEL,
 };

@@ -22,11 +22,15 @@ constexpr const wchar_t* kClassName = L"ArboletDocument";
 constexpr UINT kTreeId = 1;
 constexpr UINT kCodeButtonId = 2;
 constexpr UINT kFormButtonId = 3;
+constexpr UINT kSearchId = 4;
+constexpr UINT kLocateButtonId = 5;
 // Posted to run what had to wait for the control to finish a notification.
 constexpr UINT kRunDeferred = WM_APP + 1;
 constexpr int kButtonHeight = 24;  // at 96 dots per inch
 constexpr int kButtonWidth = 80;
 constexpr int kGap = 2;
+constexpr int kSearchHeight = 21;
+constexpr int kStatusHeight = 18;
 
 // The module that holds this code: the add-in DLL, or the explorer's program.
 HMODULE OwnModule() {
@@ -126,6 +130,7 @@ docAddin::docAddin(HWND parent, commands::FrontEnd& frontEnd, explorer::UiServic
                                0, kButtonWidth, kButtonHeight, hWnd_,
                                reinterpret_cast<HMENU>(static_cast<UINT_PTR>(kFormButtonId)),
                                OwnModule(), nullptr);
+    navigation_ = std::make_unique<DocNavigation>(*this, hWnd_, kSearchId, kLocateButtonId);
     if (ui == nullptr) ownUi_ = std::make_unique<Win32Ui>(hWnd_);
     ui_ = ui != nullptr ? ui : ownUi_.get();
 
@@ -134,6 +139,7 @@ docAddin::docAddin(HWND parent, commands::FrontEnd& frontEnd, explorer::UiServic
     // of the tree, thousands for a large code tree, through the subclassing service's look-ups.
     menu_.hWndOwner(hWnd_);
     menu_.Click = [this](std::int32_t item) {
+        if (navigation_->RunMenuItem(menu_.ItemKey(item))) return;
         if (dispatcher_) RunCommand([&] { return dispatcher_->ItemClicked(menu_, item); });
     };
     // Long lines' tags wrap in a tooltip of a readable width.
@@ -157,6 +163,7 @@ docAddin::~docAddin() {
     dispatcher_.reset();
     contextMenus_.reset();
     explorer_.reset();
+    navigation_.reset();
     tree_.reset();
     if (IsWindow(hWnd_)) {
         SetWindowLongPtrW(hWnd_, GWLP_USERDATA, 0);
@@ -175,6 +182,7 @@ void docAddin::UpdatePictures() {
     font_ = DocumentFont(dpi_);
     for (HWND child : {tree_->hWnd(), cmdCode_, cmdForm_})
         SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(font_), TRUE);
+    navigation_->SetFont(font_);
     if (previousFont != nullptr) DeleteObject(previousFont);
 }
 
@@ -227,8 +235,11 @@ void docAddin::Show() {
         dispatcher_ =
             std::make_unique<commands::Dispatcher>(vbe_, *tree_, *explorer_, *ui_, frontEnd_);
     }
-    const tree::UpdateScope update(*tree_);
-    explorer_->RefreshProjects();
+    {
+        const tree::UpdateScope update(*tree_);
+        explorer_->RefreshProjects();
+    }
+    navigation_->Reloaded();
 }
 
 bool docAddin::ShowTreeMenu(const tree::Node* node, POINT screen) {
@@ -241,6 +252,7 @@ bool docAddin::ShowTreeMenu(const tree::Node* node, POINT screen) {
 bool docAddin::ShowBackgroundMenu(POINT screen) {
     if (!contextMenus_ || !contextMenus_->BuildBackgroundMenu(commands::MouseButton::Right))
         return false;
+    navigation_->AddMenuItems(menu_);
     menu_.ShowPopupAbsolute(screen.x, screen.y);
     return true;
 }
@@ -300,19 +312,30 @@ void docAddin::Resize(int left, int top, int width, int height) {
     LayOut();
 }
 
-// The buttons sit side by side along the top; the tree takes everything below them.
+// The buttons sit side by side along the top, the search box below them; the tree takes the
+// rest, above the status line when there is one.
 void docAddin::LayOut() {
+    if (!navigation_) return;
     RECT client{};
     GetClientRect(hWnd_, &client);
-    const UINT dpi = dpi_;
-    const int buttonHeight = MulDiv(kButtonHeight, static_cast<int>(dpi), 96);
-    const int buttonWidth = MulDiv(kButtonWidth, static_cast<int>(dpi), 96);
-    const int gap = MulDiv(kGap, static_cast<int>(dpi), 96);
+    const auto scaled = [this](int size) { return MulDiv(size, static_cast<int>(dpi_), 96); };
+    const int buttonHeight = scaled(kButtonHeight);
+    const int buttonWidth = scaled(kButtonWidth);
+    const int gap = scaled(kGap);
     MoveWindow(cmdCode_, gap, gap, buttonWidth, buttonHeight, TRUE);
     MoveWindow(cmdForm_, 2 * gap + buttonWidth, gap, buttonWidth, buttonHeight, TRUE);
-    const int treeTop = buttonHeight + 2 * gap;
-    MoveWindow(tree_->hWnd(), 0, treeTop, client.right, std::max<int>(client.bottom - treeTop, 0),
-               TRUE);
+    MoveWindow(navigation_->LocateButton(), 3 * gap + 2 * buttonWidth, gap, buttonWidth,
+               buttonHeight, TRUE);
+    const int searchTop = buttonHeight + 2 * gap;
+    const int searchHeight = scaled(kSearchHeight);
+    MoveWindow(navigation_->SearchBox(), gap, searchTop, std::max<int>(client.right - 2 * gap, 0),
+               searchHeight, TRUE);
+    const int treeTop = searchTop + searchHeight + gap;
+    const int statusHeight = navigation_->StatusShown() ? scaled(kStatusHeight) : 0;
+    const int treeBottom = std::max<int>(client.bottom - statusHeight, treeTop);
+    MoveWindow(tree_->hWnd(), 0, treeTop, client.right, treeBottom - treeTop, TRUE);
+    MoveWindow(navigation_->StatusLine(), gap, treeBottom, std::max<int>(client.right - 2 * gap, 0),
+               statusHeight, TRUE);
 }
 
 void docAddin::ConnectTreeEvents() {
@@ -473,8 +496,15 @@ LRESULT docAddin::Handle(UINT iMsg, WPARAM wParam, LPARAM lParam) {
         case WM_SIZE:
             LayOut();
             return 0;
-        case WM_NOTIFY:
-            return tree_->OnNotify(*reinterpret_cast<const NMHDR*>(lParam));
+        case WM_NOTIFY: {
+            const auto& header = *reinterpret_cast<const NMHDR*>(lParam);
+            // The tree's own keys for the search, Locate and the errors; TRUE keeps them out of
+            // the control's incremental search.
+            if (header.code == TVN_KEYDOWN && header.hwndFrom == tree_->hWnd() &&
+                navigation_->OnTreeKey(reinterpret_cast<const NMTVKEYDOWN&>(header).wVKey))
+                return TRUE;
+            return tree_->OnNotify(header);
+        }
         case kRunDeferred:
             RunDeferred();
             return 0;
@@ -482,6 +512,14 @@ LRESULT docAddin::Handle(UINT iMsg, WPARAM wParam, LPARAM lParam) {
             OnDropFiles(reinterpret_cast<HDROP>(wParam));
             return 0;
         case WM_COMMAND:
+            if (LOWORD(wParam) == kSearchId && HIWORD(wParam) == EN_CHANGE) {
+                navigation_->OnSearchChanged();
+                return 0;
+            }
+            if (LOWORD(wParam) == kLocateButtonId) {
+                navigation_->LocateCurrentLine();
+                return 0;
+            }
             if (dispatcher_ &&
                 (LOWORD(wParam) == kCodeButtonId || LOWORD(wParam) == kFormButtonId)) {
                 const bool code = LOWORD(wParam) == kCodeButtonId;

@@ -22,8 +22,10 @@
 #include "commands/dispatcher.h"
 #include "commands/front_end.h"
 #include "environment/vbide.h"
+#include "explorer/code_navigation.h"
 #include "explorer/project_explorer.h"
 #include "explorer/ui_services.h"
+#include "windows/document/doc_navigation.h"
 #include "windows/popupmenu/popup_menu.h"
 #include "windows/treeview/tree_control.h"
 
@@ -89,8 +91,14 @@ class docAddin final {
     std::function<void(tree::Node* node)> SelectionChanged;
     // Project and group files dropped onto the document, for the host to open.
     std::function<void(const std::vector<std::filesystem::path>& files)> ProjectFilesDropped;
+    // The component and line the host's code editor is at, for Locate; nullopt when none.
+    std::function<std::optional<explorer::CodeLocation>()> CurrentCodeLocation;
+
+    // The search box, Locate, the steps through errors and the status line under the tree.
+    DocNavigation& Navigation() noexcept { return *navigation_; }
 
   private:
+    friend class DocNavigation;
     static LRESULT CALLBACK Proc(HWND hWnd, UINT iMsg, WPARAM wParam, LPARAM lParam);
     LRESULT Handle(UINT iMsg, WPARAM wParam, LPARAM lParam);
 
@@ -126,6 +134,7 @@ class docAddin final {
     std::unique_ptr<explorer::ProjectExplorer> explorer_;
     std::unique_ptr<commands::ContextMenus> contextMenus_;
     std::unique_ptr<commands::Dispatcher> dispatcher_;
+    std::unique_ptr<DocNavigation> navigation_;
     // Work that must wait until the control has finished the notification it is in.
     struct Deferred {
         enum class Kind { Collapse, Rename } kind;

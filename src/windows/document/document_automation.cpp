@@ -314,7 +314,7 @@ bool DumpDocumentMenu(docAddin& document, HWND window, const std::string& key,
 }
 
 bool DumpDocumentTree(docAddin& document, const std::string& expand,
-                      const std::filesystem::path& out) {
+                      const std::filesystem::path& out, bool withSelection) {
     std::ostringstream text;
     {
         text::JsonWriter json(text);
@@ -325,6 +325,15 @@ bool DumpDocumentTree(docAddin& document, const std::string& expand,
         WriteTree(document.treMain(), document.Explorer(), Expansion(expand), json, notExpanded);
         json.EndArray();
         explorer::WriteNotExpanded(json, notExpanded);
+        if (withSelection) {
+            json.Key("selected");
+            const tree::NodeRef selected = document.treMain().SelectedItem();
+            if (selected) {
+                json.String(selected->Key());
+            } else {
+                json.Null();
+            }
+        }
         json.EndObject();
     }
     text << '\n';

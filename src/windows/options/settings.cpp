@@ -103,6 +103,17 @@ void DisplayForm(bool bValue) {
     registry.Value(std::int32_t{bValue ? -1 : 0});
 }
 
+bool ShowMetrics() {
+    kvRegistry& registry = PreparedRegistry();
+    registry.ValueKey("ShowMetrics");
+    registry.ValueType(REG_DWORD);
+    return registry.ValueExists() && registry.Value().ToBoolean();
+}
+
+void ShowMetrics(bool bValue) {
+    WriteOption("ShowMetrics", bValue);
+}
+
 std::string OptionsKeyPath() {
     return Unscramble(kOptionsKey);
 }

@@ -25,6 +25,11 @@ void ShowEnums(bool bValue);
 bool ShowCompiler();
 void ShowCompiler(bool bValue);
 
+// Whether procedure nodes show their size and complexity in their tips. Off until set: a missing
+// value answers False and stays missing.
+bool ShowMetrics();
+void ShowMetrics(bool bValue);
+
 // Whether the tool window opens when the IDE starts with the add-in loaded.
 bool DisplayForm();
 void DisplayForm(bool bValue);

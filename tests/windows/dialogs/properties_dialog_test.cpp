@@ -83,6 +83,26 @@ TEST_F(PropertiesDialog, FreshInstallShowsEveryBoxClearAndOkSavesFalseForAll) {
         EXPECT_EQ(Stored(name), 0u) << name;
 }
 
+// Show Metrics is not one of the seven: off on a fresh install without leaving a value behind,
+// and saved beside them by OK.
+TEST_F(PropertiesDialog, ShowMetricsIsOffUntilTickedAndThenSaved) {
+    EXPECT_FALSE(options::ShowMetrics());
+    EXPECT_FALSE(Stored("ShowMetrics").has_value());
+    UINT shown = 99;
+    EXPECT_TRUE(Run({[&](HWND hDlg) { shown = IsDlgButtonChecked(hDlg, kChkShowMetrics); },
+                     DialogRobot::Click(kChkShowMetrics), DialogRobot::Click(kCmdOK)}));
+    EXPECT_EQ(shown, static_cast<UINT>(BST_UNCHECKED));
+    EXPECT_EQ(Stored("ShowMetrics"), 0xFFFFFFFFu);
+    EXPECT_TRUE(options::ShowMetrics());
+    EXPECT_EQ(Stored("SortByName"), 0u) << "the others are saved as they were shown";
+
+    // Shown ticked the next time, and cleared by a second click.
+    EXPECT_TRUE(Run({[&](HWND hDlg) { shown = IsDlgButtonChecked(hDlg, kChkShowMetrics); },
+                     DialogRobot::Click(kChkShowMetrics), DialogRobot::Click(kCmdOK)}));
+    EXPECT_EQ(shown, static_cast<UINT>(BST_CHECKED));
+    EXPECT_FALSE(options::ShowMetrics());
+}
+
 // The tool window's document is a child window inside the IDE: the dialog is then modal to the
 // IDE's top-level window, which is given back when it closes.
 TEST_F(PropertiesDialog, AChildWindowAsOwnerDisablesItsTopLevelWindow) {

@@ -85,7 +85,9 @@ TEST_F(ExplorerMenuTest, ComponentAndCodeLineMenus) {
 TEST_F(ExplorerMenuTest, BackgroundMenuAndUnknownKeys) {
     Open();
     EXPECT_EQ(Captions(Menu("#background")["items"]),
-              (std::vector<std::string>{"&Properties", "-", "&About Arbolet", "-", "&Help"}));
+              (std::vector<std::string>{"&Properties", "-", "&About Arbolet", "-", "&Help", "-",
+                                        "&Locate Current Line\tCtrl+L", "&Next Error\tF8",
+                                        "Pre&vious Error\tShift+F8"}));
     std::string error;
     EXPECT_FALSE(DumpMenu(*window_, "NoSuchNode~", folder_ / "none.json", {}, error));
     EXPECT_NE(error.find("NoSuchNode~"), std::string::npos);

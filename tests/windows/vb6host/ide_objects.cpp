@@ -470,7 +470,7 @@ void ComponentObject::Run(DISPID id, const Call& call) {
 
 namespace {
 constexpr Member kCodeModuleMembers[] = {
-    {L"Parent", vbide::kCodeModuleParent, kGet},      {L"VBE", vbide::kCodeModuleVBE, kGet},
+    {vbide::members::CodeModule::Parent, kGet},       {L"VBE", vbide::kCodeModuleVBE, kGet},
     {L"Name", vbide::kCodeModuleName, kGet},          {vbide::members::CodeModule::Lines, kGet},
     {vbide::members::CodeModule::CountOfLines, kGet}, {vbide::members::CodeModule::CodePane, kGet},
 };
@@ -492,7 +492,7 @@ CodeModuleObject::CodeModuleObject(std::shared_ptr<HostContext> context,
 void CodeModuleObject::Run(DISPID id, const Call& call) {
     HostContext& context = Context();
     switch (id) {
-        case vbide::kCodeModuleParent:
+        case vbide::members::CodeModule::Parent.id:
             return call.ReturnObject(ComponentObjectFor(context, component_).Get());
         case vbide::kCodeModuleVBE:
             return call.ReturnObject(VbeObjectFor(context).Get());
@@ -513,11 +513,11 @@ void CodeModuleObject::Run(DISPID id, const Call& call) {
 namespace {
 constexpr Member kCodePaneMembers[] = {
     {L"VBE", vbide::kCodePaneVBE, kGet},
-    {L"GetSelection", vbide::kCodePaneGetSelection, kCall},
+    {vbide::members::CodePane::GetSelection, kCall},
     {vbide::members::CodePane::SetSelection, kCall},
     {vbide::members::CodePane::TopLine, kGet},
     {L"CountOfVisibleLines", vbide::kCodePaneCountOfVisibleLines, kGet},
-    {L"CodeModule", vbide::kCodePaneCodeModule, kGet},
+    {vbide::members::CodePane::CodeModule, kGet},
     {vbide::members::CodePane::Show, kCall},
 };
 
@@ -546,7 +546,7 @@ void CodePaneObject::Run(DISPID id, const Call& call) {
     switch (id) {
         case vbide::kCodePaneVBE:
             return call.ReturnObject(VbeObjectFor(context).Get());
-        case vbide::kCodePaneGetSelection:
+        case vbide::members::CodePane::GetSelection.id:
             for (std::size_t i = 0; i < 4; ++i)
                 PutLong(call.args.ByRef(i), pane.selection[i]);
             return;
@@ -574,7 +574,7 @@ void CodePaneObject::Run(DISPID id, const Call& call) {
             return call.ReturnLong(pane.topLine);
         case vbide::kCodePaneCountOfVisibleLines:
             return call.ReturnLong(kVisibleLines);
-        case vbide::kCodePaneCodeModule:
+        case vbide::members::CodePane::CodeModule.id:
             return call.ReturnObject(context.Wrap<CodeModuleObject>(component_).Get());
         case vbide::members::CodePane::Show.id:
             ShowCode(context, component_);

@@ -3,7 +3,7 @@
 //
 //   vb6host.exe [--connect-mode 0|1|2] [--transcript OUT.txt] [--dump-tree OUT.json
 //               [--expand all|NAME,...]] [--dump-menu KEY OUT.json] [--screenshot OUT.png]
-//               [--cycles N] [--scenario]
+//               [--locate COMPONENT:LINE KEY] [--cycles N] [--scenario]
 //               [--dll PATH] PROJECT.vbp|GROUP.vbg...
 //
 //   vb6host.exe --installed PROGID [--hold NAME] [the options above but --dll] PROJECT...
@@ -29,6 +29,7 @@
 #include "vb6host/host_context.h"
 #include "vb6host/ide_commands.h"
 #include "vb6host/installed_addin.h"
+#include "vb6host/locate_step.h"
 #include "vb6host/main_window.h"
 #include "vb6host/step_report.h"
 #include "vb6host/tool_window.h"
@@ -47,6 +48,8 @@ struct Options {
     std::wstring transcript, dumpTree, expand, screenshot, dll;
     // The node whose context menu is dumped ("" for empty tree space), and where to.
     std::wstring menuKey, dumpMenu;
+    // With --dump-tree: the caret's component and line for Ctrl+L, and the key it must select.
+    std::wstring locate, locateKey;
     int cycles = 0;
     bool scenario = false;
     // The installed add-in's ProgID, and the name of the events of a hold.
@@ -77,6 +80,8 @@ bool Parse(int argc, wchar_t** argv, Options& options) {
             if (!value(options.dumpTree)) return false;
         } else if (arg == L"--dump-menu") {
             if (!value(options.menuKey) || !value(options.dumpMenu)) return false;
+        } else if (arg == L"--locate") {
+            if (!value(options.locate) || !value(options.locateKey)) return false;
         } else if (arg == L"--expand") {
             if (!value(options.expand)) return false;
         } else if (arg == L"--screenshot") {
@@ -96,6 +101,7 @@ bool Parse(int argc, wchar_t** argv, Options& options) {
         }
     }
     return !options.projects.empty() && (options.expand.empty() || !options.dumpTree.empty()) &&
+           (options.locate.empty() || !options.dumpTree.empty()) &&
            (options.installed.empty() || options.dll.empty()) &&
            (options.hold.empty() || !options.installed.empty());
 }
@@ -275,11 +281,23 @@ void DumpTree(Session& session, const Options& options, Report& report) {
         report.Check(all || opened > 0, "opened " + std::to_string(opened) + " nodes");
         Pump(50);
     }
+    int located = -1;
+    const std::size_t colon = options.locate.rfind(L':');
+    if (colon != std::wstring::npos) {
+        located = LocateWithKeyboard(*session.context, session.main->Handle(), tree,
+                                     options.locate.substr(0, colon),
+                                     _wtoi(options.locate.c_str() + colon + 1), report);
+    }
     // The nodes opened above stay open for the picture; the dump itself opens nothing more.
     std::string error;
     const bool done = DumpDocumentTree(window->Document(), options.dumpTree, L"", error);
     report.Check(done, "wrote the tree (" + std::to_string(CountNodes(tree)) + " nodes) to " +
                            WideToUtf8(options.dumpTree) + (done ? "" : ": " + error));
+    if (!options.locate.empty()) {
+        const std::string key = KeyInDump(options.dumpTree, located);
+        report.Check(key == WideToUtf8(options.locateKey),
+                     "Ctrl+L at " + WideToUtf8(options.locate) + " selected \"" + key + "\"");
+    }
 }
 
 // The context menu through the tool window's DocObj, as the standalone explorer dumps it; with
@@ -469,11 +487,13 @@ int Run(const Options& options) {
 int wmain(int argc, wchar_t** argv) {
     arbolet::vb6host::Options options;
     if (!arbolet::vb6host::Parse(argc, argv, options)) {
-        std::fprintf(stderr,
-                     "usage: vb6host [--connect-mode 0|1|2] [--transcript OUT.txt] [--dump-tree "
-                     "OUT.json [--expand all|NAME,...]] [--dump-menu KEY OUT.json] [--screenshot "
-                     "OUT.png] [--cycles N] "
-                     "[--scenario] [--dll PATH] PROJECT.vbp|GROUP.vbg...\n");
+        std::fprintf(
+            stderr,
+            "usage: vb6host [--connect-mode 0|1|2] [--transcript OUT.txt] [--dump-tree "
+            "OUT.json [--expand all|NAME,...] [--locate COMPONENT:LINE KEY]] [--dump-menu KEY "
+            "OUT.json] [--screenshot "
+            "OUT.png] [--cycles N] "
+            "[--scenario] [--dll PATH] PROJECT.vbp|GROUP.vbg...\n");
         std::fprintf(stderr,
                      "       vb6host --installed PROGID [--hold NAME] [the options above "
                      "but --dll] PROJECT.vbp|GROUP.vbg...\n");

@@ -34,14 +34,11 @@ inline constexpr DISPID kComponentsVBE = 20;
 inline constexpr DISPID kComponentVBE = 53;
 inline constexpr DISPID kComponentHasOpenDesigner = 55;
 // CodeModule
-inline constexpr DISPID kCodeModuleParent = 0x60020000;
 inline constexpr DISPID kCodeModuleVBE = 0x60020001;
 inline constexpr DISPID kCodeModuleName = 0;
 // CodePane
 inline constexpr DISPID kCodePaneVBE = 0x60020001;
-inline constexpr DISPID kCodePaneGetSelection = 0x60020003;
 inline constexpr DISPID kCodePaneCountOfVisibleLines = 0x60020007;
-inline constexpr DISPID kCodePaneCodeModule = 0x60020008;
 // Windows and Window
 inline constexpr DISPID kWindowsVBE = 1;
 inline constexpr DISPID kWindowsParent = 2;
