@@ -93,8 +93,8 @@ std::string_view NameAt(std::string_view text) {
     if (word.empty() || word.front() == '#' || (word.front() >= '0' && word.front() <= '9'))
         return {};
     // A type character (`Name$`, `Count%`) belongs to the name as declared.
-    if (word.size() < text.size() && std::string_view("%&!#@$").find(text[word.size()]) !=
-                                         std::string_view::npos) {
+    if (word.size() < text.size() &&
+        std::string_view("%&!#@$").find(text[word.size()]) != std::string_view::npos) {
         return text.substr(0, word.size() + 1);
     }
     return word;

@@ -32,14 +32,14 @@ enum class DeclarationKind : std::uint8_t {
 
 struct Declaration {
     DeclarationKind kind = DeclarationKind::Variable;
-    std::string name;           // without the brackets of an escaped enum member name
-    std::int32_t line = 0;      // physical line of the name, numbered from the first line given
-    std::int32_t column = 0;    // 0-based byte offset of the name in that physical line
-    std::int32_t length = 0;    // of the name, in bytes
-    std::int32_t endLine = 0;   // last physical line of the declaring statement
-    bool isPublic = false;      // visible to the other modules of the project
-    std::int32_t parent = -1;   // Type/Enum members: index of their Type or Enum
-    std::string detail;         // what follows the name: "As Long", "(ByVal x As Long)", "= 5"
+    std::string name;          // without the brackets of an escaped enum member name
+    std::int32_t line = 0;     // physical line of the name, numbered from the first line given
+    std::int32_t column = 0;   // 0-based byte offset of the name in that physical line
+    std::int32_t length = 0;   // of the name, in bytes
+    std::int32_t endLine = 0;  // last physical line of the declaring statement
+    bool isPublic = false;     // visible to the other modules of the project
+    std::int32_t parent = -1;  // Type/Enum members: index of their Type or Enum
+    std::string detail;        // what follows the name: "As Long", "(ByVal x As Long)", "= 5"
 };
 
 bool IsProcedureKind(DeclarationKind kind);

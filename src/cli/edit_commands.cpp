@@ -34,9 +34,9 @@ void RunRename(CliContext& context, const RenameOptions& options) {
     LoadedTree loaded(environment, context);
     const env::VBProjectRef project = environment->VBProjects()->Item(1);
     explorer::EditContext edits{loaded.explorer, loaded.view, loaded.ui};
-    FinishChange(context, loaded,
-                 explorer::RenameComponentNamed(edits, *project, options.component,
-                                                options.newName));
+    FinishChange(
+        context, loaded,
+        explorer::RenameComponentNamed(edits, *project, options.component, options.newName));
 }
 
 void RunAdd(CliContext& context, const AddOptions& options) {

@@ -55,8 +55,9 @@ bool RenameFolder(CliContext& context, LoadedTree& loaded, env::VBProject& proje
                   const FoldersOptions& options) {
     auto edits = EditsOf(loaded);
     bool merged = false;
-    if (!Report(context, loaded.ui, explorer::RenameFolderNamed(edits, project, options.name,
-                                                                options.newName, merged))) {
+    if (!Report(
+            context, loaded.ui,
+            explorer::RenameFolderNamed(edits, project, options.name, options.newName, merged))) {
         return false;
     }
     if (merged) {

@@ -108,9 +108,9 @@ Outcome RenameFolderNamed(EditContext& context, env::VBProject& project, std::st
         folder = folder->Next();
     if (!folder) return Outcome::Refused(NoSuchFolderMessage(project, oldName));
     const auto existing = CustomFolders(project);
-    const bool merges = text::ToLower(newName) != text::ToLower(oldName) &&
-                        (existing.contains(text::ToLower(newName)) ||
-                         IsShownFolder(context, project, newName));
+    const bool merges =
+        text::ToLower(newName) != text::ToLower(oldName) &&
+        (existing.contains(text::ToLower(newName)) || IsShownFolder(context, project, newName));
     Outcome outcome = context.explorer.AfterLabelEdit(*folder, newName);
     merged = outcome.done() && merges;
     return outcome;

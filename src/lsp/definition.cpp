@@ -7,8 +7,8 @@ namespace {
 
 bool IsNameByte(char c) {
     const auto byte = static_cast<unsigned char>(c);
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
-           c == '_' || byte >= 0x80;
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
+           byte >= 0x80;
 }
 
 // The name around a byte column, and the name before a `.` in front of it.
@@ -37,9 +37,9 @@ NameAt FindName(std::string_view line, std::size_t column) {
 }
 
 Json Location(const IndexedComponent& component, const IndexedSymbol* symbol) {
-    const Range range = symbol ? Range{{symbol->line, symbol->character},
-                                       {symbol->line, symbol->endCharacter}}
-                               : Range{{0, 0}, {0, 0}};
+    const Range range =
+        symbol ? Range{{symbol->line, symbol->character}, {symbol->line, symbol->endCharacter}}
+               : Range{{0, 0}, {0, 0}};
     return Json{{"uri", component.uri}, {"range", ToJson(range)}};
 }
 

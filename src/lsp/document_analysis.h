@@ -28,7 +28,7 @@ struct DocumentAnalysis {
     std::vector<analysis::vb6::Declaration> declarations;
     // Problems of the file itself (binary data, an unclosed designer block, long lines).
     std::vector<disk::FileDiagnostic> fileDiagnostics;
-    std::int32_t firstCodeLine = 0;  // 0-based
+    std::int32_t firstCodeLine = 0;     // 0-based
     std::optional<LineRun> designer;    // BEGIN ... END of a form or control
     std::optional<LineRun> attributes;  // the module's Attribute lines
     std::vector<LineRun> commentRuns;   // two or more comment lines in a row

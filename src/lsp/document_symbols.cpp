@@ -117,11 +117,13 @@ int DeclarationSymbolKind(vb6::DeclarationKind kind) {
 class OutlineBuilder {
   public:
     OutlineBuilder(const DocumentView& document, const Settings& settings)
-        : document_(document), tree_(document.analysis.blocks), options_(settings.display),
+        : document_(document),
+          tree_(document.analysis.blocks),
+          options_(settings.display),
           blocks_(settings.blocks) {
         for (const auto& declaration : document.analysis.declarations) {
-            if (vb6::IsProcedureKind(declaration.kind)) procedureDetail_[declaration.line] =
-                declaration.detail;
+            if (vb6::IsProcedureKind(declaration.kind))
+                procedureDetail_[declaration.line] = declaration.detail;
         }
     }
 
@@ -231,9 +233,10 @@ class OutlineBuilder {
         addUntil(block.middles.front().line, symbol.children);
         for (std::size_t i = 0; i < block.middles.size(); ++i) {
             const vb6::Span& middle = block.middles[i];
-            const std::int32_t next = i + 1 < block.middles.size()
-                                          ? block.middles[i + 1].line
-                                          : (block.closer ? block.closer->line : block.lastLine + 1);
+            const std::int32_t next =
+                i + 1 < block.middles.size()
+                    ? block.middles[i + 1].line
+                    : (block.closer ? block.closer->line : block.lastLine + 1);
             Symbol branch;
             branch.name = StatementAt(middle);
             branch.kind = symbol.kind;
@@ -276,13 +279,12 @@ class OutlineBuilder {
         const auto& declarations = document_.analysis.declarations;
         for (std::size_t i = 0; i < declarations.size(); ++i) {
             const auto& owner = declarations[i];
-            if (owner.line != block.nameSpan.line ||
-                (owner.kind != vb6::DeclarationKind::Type &&
-                 owner.kind != vb6::DeclarationKind::Enum)) {
+            if (owner.line != block.nameSpan.line || (owner.kind != vb6::DeclarationKind::Type &&
+                                                      owner.kind != vb6::DeclarationKind::Enum)) {
                 continue;
             }
-            for (std::size_t j = i + 1; j < declarations.size() &&
-                                        declarations[j].parent == static_cast<std::int32_t>(i);
+            for (std::size_t j = i + 1;
+                 j < declarations.size() && declarations[j].parent == static_cast<std::int32_t>(i);
                  ++j) {
                 symbol.children.push_back(DeclarationSymbol(declarations[j]));
             }
@@ -352,7 +354,8 @@ class OutlineBuilder {
             error.detail = "error: " + std::string(vb6::RuleId(finding.rule));
             error.kind = symbol_kind::kNull;
             error.firstLine = line;
-            error.range = error.selection = document_.text.LinesRange(line, line, document_.encoding);
+            error.range = error.selection =
+                document_.text.LinesRange(line, line, document_.encoding);
             ContainerOf(top, line)->push_back(std::move(error));
         }
     }

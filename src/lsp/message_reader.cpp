@@ -16,8 +16,8 @@ char Lower(char c) {
 
 // Where `content-length:` starts in the text, in any letter case; npos when it is not there.
 std::size_t FindLengthName(std::string_view text) {
-    const auto found = std::search(text.begin(), text.end(), kLengthName.begin(),
-                                   kLengthName.end(), [](char a, char b) { return Lower(a) == b; });
+    const auto found = std::search(text.begin(), text.end(), kLengthName.begin(), kLengthName.end(),
+                                   [](char a, char b) { return Lower(a) == b; });
     return found == text.end() ? std::string_view::npos
                                : static_cast<std::size_t>(found - text.begin());
 }
@@ -82,9 +82,9 @@ bool MessageReader::ReadHeader(ReadEvent& event) {
         if (pending.size() <= kMaxHeaderBytes) return false;
         // Keep the tail, which may hold the start of the next header.
         Consume(pending.size() - kHeaderEnd.size());
-        event = {ReadEvent::Kind::Error,
-                 "a message header is longer than " + std::to_string(kMaxHeaderBytes) +
-                     " bytes; its bytes were skipped"};
+        event = {ReadEvent::Kind::Error, "a message header is longer than " +
+                                             std::to_string(kMaxHeaderBytes) +
+                                             " bytes; its bytes were skipped"};
         return true;
     }
     if (end > kMaxHeaderBytes) {
@@ -165,9 +165,9 @@ bool MessageReader::SkipBody() {
 }
 
 bool MessageReader::Finish(ReadEvent& event) {
-    const bool cut = state_ == State::Body ||
-                     (state_ == State::Header && !Pending().empty() &&
-                      Pending().find_first_not_of("\r\n \t") != std::string_view::npos);
+    const bool cut =
+        state_ == State::Body || (state_ == State::Header && !Pending().empty() &&
+                                  Pending().find_first_not_of("\r\n \t") != std::string_view::npos);
     buffer_.clear();
     start_ = 0;
     state_ = State::Header;

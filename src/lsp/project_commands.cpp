@@ -94,8 +94,9 @@ fs::path RunProjectCommand(const std::string& command, const Json& argumentsJson
     const env::VBProjectRef project = environment->VBProjects()->Item(1);
     const explorer::Outcome outcome = Run(command, arguments, edits, *project);
     if (!outcome.done()) {
-        throw RequestError(error_code::kRequestFailed,
-                           outcome.message().empty() ? command + " was refused" : outcome.message());
+        throw RequestError(error_code::kRequestFailed, outcome.message().empty()
+                                                           ? command + " was refused"
+                                                           : outcome.message());
     }
     if (const auto refusal = mayWrite(environment->ChangedFiles())) {
         throw RequestError(error_code::kRequestFailed, *refusal);

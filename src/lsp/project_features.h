@@ -22,7 +22,7 @@ Json ProjectTree(const std::shared_ptr<disk::DiskEnvironment>& environment,
 
 // The commands workspace/executeCommand runs.
 inline constexpr const char* kProjectCommands[] = {
-    "arbolet.folders.add", "arbolet.folders.remove", "arbolet.folders.rename",
+    "arbolet.folders.add",  "arbolet.folders.remove", "arbolet.folders.rename",
     "arbolet.folders.move", "arbolet.rename",
 };
 

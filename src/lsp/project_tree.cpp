@@ -2,8 +2,8 @@
 #include <set>
 #include <vector>
 
-#include "disk/group_file.h"
 #include "disk/file_io.h"
+#include "disk/group_file.h"
 #include "disk/vb_path.h"
 #include "explorer/node_keys.h"
 #include "explorer/project_explorer.h"
@@ -87,7 +87,9 @@ class TreeWriter {
         const auto image = node.Image();
         json["image"] = image ? Json(*image) : Json(nullptr);
         const env::VBProjectRef project = explorer_.ProjectOfNode(node);
-        if (project) json["project"] = UriFromPath(disk::AbsolutePath(disk::PathFromUtf8(project->FileName())));
+        if (project)
+            json["project"] =
+                UriFromPath(disk::AbsolutePath(disk::PathFromUtf8(project->FileName())));
         switch (node.Kind()) {
             case tree::NodeKind::Project:
                 json["kind"] = "project";
@@ -98,8 +100,8 @@ class TreeWriter {
                 json["kind"] = "folder";
                 const bool custom = !explorer::IsFixedGroupName(node.Text());
                 json["custom"] = custom;
-                json["icon"] = custom ? "custom-folder"
-                                      : (node.Expanded() ? "folder-open" : "folder-closed");
+                json["icon"] =
+                    custom ? "custom-folder" : (node.Expanded() ? "folder-open" : "folder-closed");
                 break;
             }
             default: {

@@ -29,7 +29,8 @@ inline constexpr int kRequestCancelled = -32800;
 // A request that cannot be answered; becomes an error response with its code.
 class RequestError : public std::runtime_error {
   public:
-    RequestError(int code, const std::string& message) : std::runtime_error(message), code(code) {}
+    RequestError(int errorCode, const std::string& message)
+        : std::runtime_error(message), code(errorCode) {}
     int code;
 };
 

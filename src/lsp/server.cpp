@@ -155,8 +155,8 @@ Json Server::Request(const std::string& method, const Json& params) {
     }
     if (method == "workspace/symbol") {
         const Json* query = Member(params, "query");
-        return WorkspaceSymbols(index_, query && query->is_string() ? query->get<std::string>()
-                                                                     : std::string());
+        return WorkspaceSymbols(
+            index_, query && query->is_string() ? query->get<std::string>() : std::string());
     }
     if (method == "workspace/executeCommand") return ExecuteCommand(params);
     if (method == "arbolet/projectTree") return ProjectTreeRequest(params);
@@ -245,16 +245,18 @@ Json Server::Initialize(const Json& paramsIn) {
 
 void Server::Initialized() {
     if (dynamicWatchers_) {
-        const Json watchers = Json::array(
-            {Json{{"globPattern", "**/*.{vbp,vbg,VBP,VBG,bas,cls,frm,ctl,pag,dob,dsr,BAS,CLS,FRM,CTL,PAG,DOB,DSR}"}}});
-        Send(Json{{"jsonrpc", "2.0"},
-                  {"id", "arbolet-watch-" + std::to_string(nextRequestId_++)},
-                  {"method", "client/registerCapability"},
-                  {"params",
-                   Json{{"registrations",
-                         Json::array({Json{{"id", "arbolet-files"},
-                                           {"method", "workspace/didChangeWatchedFiles"},
-                                           {"registerOptions", Json{{"watchers", watchers}}}}})}}}});
+        const Json watchers = Json::array({Json{
+            {"globPattern",
+             "**/*.{vbp,vbg,VBP,VBG,bas,cls,frm,ctl,pag,dob,dsr,BAS,CLS,FRM,CTL,PAG,DOB,DSR}"}}});
+        Send(
+            Json{{"jsonrpc", "2.0"},
+                 {"id", "arbolet-watch-" + std::to_string(nextRequestId_++)},
+                 {"method", "client/registerCapability"},
+                 {"params",
+                  Json{{"registrations",
+                        Json::array({Json{{"id", "arbolet-files"},
+                                          {"method", "workspace/didChangeWatchedFiles"},
+                                          {"registerOptions", Json{{"watchers", watchers}}}}})}}}});
     }
     LoadWorkspace();
 }
@@ -269,9 +271,8 @@ void Server::LoadWorkspace() {
         }
     }
     PublishProjectProblems();
-    Log(kLogInfo, "arbolet: " + std::to_string(index_.ProjectFiles().size()) +
-                      " project files, " + std::to_string(index_.Components().size()) +
-                      " components indexed");
+    Log(kLogInfo, "arbolet: " + std::to_string(index_.ProjectFiles().size()) + " project files, " +
+                      std::to_string(index_.Components().size()) + " components indexed");
     Send(NotificationMessage("arbolet/projectTreeChanged", Json::object()));
 }
 
@@ -337,9 +338,10 @@ const DocumentAnalysis& Server::Analysis(OpenDocument& document) {
 }
 
 void Server::PublishDiagnostics(OpenDocument& document) {
-    Json diagnostics = document.component
-                           ? Diagnostics({document.uri, document.text, Analysis(document), encoding_})
-                           : Json::array();
+    Json diagnostics =
+        document.component
+            ? Diagnostics({document.uri, document.text, Analysis(document), encoding_})
+            : Json::array();
     if (!document.component) {
         // A project file shows the problems of its loading.
         const auto found = index_.ProjectProblems().find(document.uri);
@@ -354,10 +356,11 @@ void Server::PublishDiagnostics(OpenDocument& document) {
 const IndexedComponent& Server::ComponentOf(OpenDocument& document, IndexedComponent& scratch) {
     const DocumentAnalysis& analysis = Analysis(document);
     if (document.path) {
-        if (const IndexedComponent* component = index_.ComponentAt(*document.path)) return *component;
+        if (const IndexedComponent* component = index_.ComponentAt(*document.path))
+            return *component;
     }
-    scratch = index_.Standalone(document.path.value_or(fs::path()), analysis.declarations,
-                                document.text);
+    scratch =
+        index_.Standalone(document.path.value_or(fs::path()), analysis.declarations, document.text);
     scratch.uri = document.uri;
     return scratch;
 }

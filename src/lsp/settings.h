@@ -12,10 +12,11 @@
 
 namespace arbolet::lsp {
 
+// An outline lists blocks, not their closing lines: section ends are off unless asked for.
 struct Settings {
     int codePage = disk::kDefaultCodePage;
     bool blocks = true;
-    analysis::DisplayOptions display;
+    analysis::DisplayOptions display{.ShowSectionEnd = false};
 };
 
 // Applies initializationOptions ({codePage, blocks, display: {...}}); returns the warnings.

@@ -30,7 +30,8 @@ void WriteOutput(const std::string& bytes) {
     std::size_t written = 0;
     while (written < bytes.size()) {
 #ifdef _WIN32
-        const long n = _write(1, bytes.data() + written, static_cast<unsigned>(bytes.size() - written));
+        const long n =
+            _write(1, bytes.data() + written, static_cast<unsigned>(bytes.size() - written));
 #else
         const long n = static_cast<long>(write(1, bytes.data() + written, bytes.size() - written));
 #endif

@@ -91,8 +91,8 @@ void TextDocument::IndexLines() {
 std::string_view TextDocument::Line(std::int32_t line) const {
     if (line < 0 || line >= LineCount()) return {};
     const std::size_t start = lineStarts_[static_cast<std::size_t>(line)];
-    std::size_t end = line + 1 < LineCount() ? lineStarts_[static_cast<std::size_t>(line) + 1]
-                                             : text_.size();
+    std::size_t end =
+        line + 1 < LineCount() ? lineStarts_[static_cast<std::size_t>(line) + 1] : text_.size();
     while (end > start && (text_[end - 1] == '\n' || text_[end - 1] == '\r'))
         --end;
     return std::string_view(text_).substr(start, end - start);
@@ -113,7 +113,8 @@ std::int32_t TextDocument::ByteColumn(Position position, PositionEncoding encodi
 Position TextDocument::PositionOf(std::int32_t line, std::int32_t byteColumn,
                                   PositionEncoding encoding) const {
     const std::string_view text = Line(line);
-    const std::size_t bytes = std::min(text.size(), static_cast<std::size_t>(std::max(byteColumn, 0)));
+    const std::size_t bytes =
+        std::min(text.size(), static_cast<std::size_t>(std::max(byteColumn, 0)));
     return {line, UnitsOf(text.substr(0, bytes), encoding)};
 }
 
@@ -126,7 +127,8 @@ Range TextDocument::RangeOf(std::int32_t line, std::int32_t byteColumn, std::int
 Range TextDocument::LinesRange(std::int32_t firstLine, std::int32_t lastLine,
                                PositionEncoding encoding) const {
     const std::int32_t last = std::max(firstLine, lastLine);
-    return {{firstLine, 0}, PositionOf(last, static_cast<std::int32_t>(Line(last).size()), encoding)};
+    return {{firstLine, 0},
+            PositionOf(last, static_cast<std::int32_t>(Line(last).size()), encoding)};
 }
 
 void TextDocument::Replace(Range range, std::string_view text, PositionEncoding encoding) {

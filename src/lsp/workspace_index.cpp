@@ -40,8 +40,7 @@ int SymbolKindOf(vb6::DeclarationKind kind, std::string_view name) {
             return 24;
         case vb6::DeclarationKind::Sub: {
             const std::string lower = text::ToLower(name);
-            return lower.ends_with("_initialize") && lower.find('_') + 11 == lower.size() ? 9
-                                                                                           : 6;
+            return lower.ends_with("_initialize") && lower.find('_') + 11 == lower.size() ? 9 : 6;
         }
         case vb6::DeclarationKind::PropertyGet:
         case vb6::DeclarationKind::PropertyLet:
@@ -134,7 +133,8 @@ void WorkspaceIndex::IndexEnvironment() {
             UriFromPath(disk::AbsolutePath(disk::PathFromUtf8(project->FileName())));
         const auto components = project->VBComponents();
         for (std::int32_t c = 1; c <= components->Count(); ++c) {
-            const auto component = std::dynamic_pointer_cast<disk::DiskComponent>(components->Item(c));
+            const auto component =
+                std::dynamic_pointer_cast<disk::DiskComponent>(components->Item(c));
             if (!component || !component->HasText()) continue;
             const bool known = byPath_.contains(disk::PathIdentity(component->Path()));
             IndexedComponent& entry = Entry(component->Path());
@@ -147,8 +147,7 @@ void WorkspaceIndex::IndexEnvironment() {
             const disk::CodeLocation code = disk::LocateCode(text);
             const std::string_view body =
                 std::string_view(text).substr(std::min(code.codeOffset, text.size()));
-            Fill(entry, text,
-                 vb6::ScanDeclarations(body, code.firstCodeLine + 1), nullptr);
+            Fill(entry, text, vb6::ScanDeclarations(body, code.firstCodeLine + 1), nullptr);
         }
     }
 }
@@ -197,9 +196,11 @@ void WorkspaceIndex::Fill(IndexedComponent& component, std::string_view utf8Text
         if (encoding_ == PositionEncoding::Utf16 || !ascii) {
             const std::string_view line = lineText(symbol.line);
             const auto column = std::min(line.size(), static_cast<std::size_t>(declaration.column));
-            const auto end = std::min(line.size(), column + static_cast<std::size_t>(declaration.length));
+            const auto end =
+                std::min(line.size(), column + static_cast<std::size_t>(declaration.length));
             symbol.character = UnitsOf(line.substr(0, column), encoding_);
-            symbol.endCharacter = symbol.character + UnitsOf(line.substr(column, end - column), encoding_);
+            symbol.endCharacter =
+                symbol.character + UnitsOf(line.substr(column, end - column), encoding_);
         }
         component.symbols.push_back(std::move(symbol));
     }
@@ -227,8 +228,7 @@ void WorkspaceIndex::IndexFromDisk(const fs::path& path) {
     const disk::CodeLocation code = disk::LocateCode(text);
     const std::string_view body =
         std::string_view(text).substr(std::min(code.codeOffset, text.size()));
-    Fill(component, text,
-         vb6::ScanDeclarations(body, code.firstCodeLine + 1), nullptr);
+    Fill(component, text, vb6::ScanDeclarations(body, code.firstCodeLine + 1), nullptr);
 }
 
 IndexedComponent WorkspaceIndex::Standalone(const fs::path& path,
@@ -250,10 +250,9 @@ std::vector<const IndexedComponent*> WorkspaceIndex::ProjectMates(
     const IndexedComponent& component) const {
     std::vector<const IndexedComponent*> mates;
     for (const IndexedComponent& other : components_) {
-        const bool shares = std::any_of(other.projects.begin(), other.projects.end(),
-                                        [&](const std::string& p) {
-                                            return component.projects.contains(p);
-                                        });
+        const bool shares =
+            std::any_of(other.projects.begin(), other.projects.end(),
+                        [&](const std::string& p) { return component.projects.contains(p); });
         if (shares) mates.push_back(&other);
     }
     return mates;

@@ -34,8 +34,8 @@ struct IndexedComponent {
     std::string uri;
     std::string name;
     std::string lowerName;
-    int symbolKind = 2;                  // Module, or Class for classes, forms and controls
-    std::set<std::string> projects;      // the uris of the .vbp files that list it
+    int symbolKind = 2;              // Module, or Class for classes, forms and controls
+    std::set<std::string> projects;  // the uris of the .vbp files that list it
     std::vector<IndexedSymbol> symbols;
 };
 
