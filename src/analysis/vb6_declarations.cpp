@@ -194,7 +194,7 @@ class Scanner {
             case Context::Enum:
                 // A procedure header ends a Type or Enum the code forgot to close.
                 if (StartsProcedure(text)) return ModuleStatement(text);
-                if (!word.empty() && word.front() != '#') {
+                if (!text.empty() && text.front() != '#') {
                     Member(context_ == Context::Type ? DeclarationKind::TypeMember
                                                      : DeclarationKind::EnumMember,
                            text);

@@ -68,8 +68,9 @@ Json Definition(const WorkspaceIndex& index, const IndexedComponent& current,
         const std::string lowerQualifier = text::ToLower(at.qualifier);
         for (const IndexedComponent* component : mates) {
             if (component->lowerName != lowerQualifier) continue;
-            const bool own = component->uri == current.uri;
-            if (const IndexedSymbol* symbol = FindSymbol(*component, lowerName, !own)) {
+            // Named with its module, even a private member is the one meant (the compiler
+            // would say it is not accessible; the editor shows which it is).
+            if (const IndexedSymbol* symbol = FindSymbol(*component, lowerName, false)) {
                 return Json::array({Location(*component, symbol)});
             }
         }

@@ -22,6 +22,20 @@ std::size_t FindLengthName(std::string_view text) {
                                : static_cast<std::size_t>(found - text.begin());
 }
 
+// The last `content-length:` in the text, npos when there is none.
+std::size_t LastLengthName(std::string_view text) {
+    std::size_t last = std::string_view::npos;
+    for (std::size_t at = FindLengthName(text); at != std::string_view::npos;) {
+        last = at;
+        const std::size_t next = FindLengthName(text.substr(at + 1));
+        at = next == std::string_view::npos ? next : at + 1 + next;
+    }
+    return last;
+}
+
+// What is kept of an endless header line: enough for a header that starts in it.
+constexpr std::size_t kKeptTail = 64;
+
 struct HeaderValue {
     bool found = false;
     bool valid = false;
@@ -81,17 +95,19 @@ bool MessageReader::ReadHeader(ReadEvent& event) {
     if (end == std::string_view::npos) {
         if (pending.size() <= kMaxHeaderBytes) return false;
         // Keep the tail, which may hold the start of the next header.
-        Consume(pending.size() - kHeaderEnd.size());
+        Consume(pending.size() - kKeptTail);
         event = {ReadEvent::Kind::Error, "a message header is longer than " +
                                              std::to_string(kMaxHeaderBytes) +
                                              " bytes; its bytes were skipped"};
         return true;
     }
     if (end > kMaxHeaderBytes) {
-        Consume(end + kHeaderEnd.size());
+        // Junk before a real header: skip to the header's line when there is one.
+        const std::size_t header = LastLengthName(pending.substr(0, end));
+        Consume(header != std::string_view::npos && header > 0 ? header : end + kHeaderEnd.size());
         event = {ReadEvent::Kind::Error, "a message header is longer than " +
                                              std::to_string(kMaxHeaderBytes) +
-                                             " bytes; the message was skipped"};
+                                             " bytes; it was skipped"};
         return true;
     }
     const HeaderValue header = ParseHeader(pending.substr(0, end));

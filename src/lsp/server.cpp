@@ -79,7 +79,11 @@ void Server::HandleMessage(std::string_view body) {
     }
     const Json* method = Member(message, "method");
     const Json* id = Member(message, "id");
-    if (id && !(id->is_string() || id->is_number_integer())) id = nullptr;
+    if (id && !(id->is_string() || id->is_number_integer())) {
+        Send(ErrorMessage(nullptr, error_code::kInvalidRequest,
+                          "a request id must be a string or an integer"));
+        return;
+    }
     if (!method || !method->is_string()) {
         // A response to one of our requests (client/registerCapability), or junk.
         if (Member(message, "result") || Member(message, "error")) return;
