@@ -79,14 +79,17 @@ std::size_t SkipHeader(const Lines& lines, std::vector<FileDiagnostic>& diagnost
     return i;
 }
 
-// The raw lines of a file as views of its bytes, without decoding them.
+// The raw lines of a file as views of its bytes, without decoding them; the first line without
+// a byte-order mark.
 struct RawLineViews {
     std::string_view bytes;
     const std::vector<RawLine>& raw;
+    std::size_t bom = 0;
 
     std::size_t size() const { return raw.size(); }
     std::string_view operator[](std::size_t i) const {
-        return bytes.substr(raw[i].offset, raw[i].length);
+        const std::size_t skip = i == 0 ? bom : 0;
+        return bytes.substr(raw[i].offset + skip, raw[i].length - skip);
     }
 };
 
@@ -150,15 +153,22 @@ std::optional<std::int32_t> ComponentFile::FileLineOfCodeLine(std::int32_t codeL
     return codeLines[static_cast<std::size_t>(codeLine)] + 1;
 }
 
+std::size_t Utf8BomLength(std::string_view bytes) {
+    return bytes.starts_with(kUtf8Bom) ? kUtf8Bom.size() : 0;
+}
+
 ComponentFile ParseComponentFile(std::string_view bytes, int codePage) {
     ComponentFile file;
     file.raw = SplitRawLines(bytes);
     CheckBytes(bytes, file.raw, file.diagnostics);
     file.binary = bytes.find('\0') != std::string_view::npos;
-    // Line breaks are the same bytes in every supported code page and no character decodes to
-    // one, so the decoded text splits into the same lines.
-    const std::string decoded = DecodeCodePage(bytes, codePage);
-    const bool unchanged = decoded == bytes;  // pure ASCII: the lines lie where they were
+    // The mark is no character of the first line: decoded in an ANSI code page it would hide
+    // the line's first word. Line breaks are the same bytes in every supported code page and no
+    // character decodes to one, so the decoded text splits into the same lines.
+    const std::size_t bom = Utf8BomLength(bytes);
+    const std::string decoded = DecodeCodePage(bytes.substr(bom), codePage);
+    // Pure ASCII without a mark: the lines lie where they were.
+    const bool unchanged = bom == 0 && decoded == bytes;
     file.lines.reserve(file.raw.size());
     for (const RawLine& line : unchanged ? file.raw : SplitRawLines(decoded)) {
         file.lines.emplace_back(std::string_view(decoded).substr(line.offset, line.length));
@@ -182,7 +192,7 @@ CodeLocation LocateCode(std::string_view bytes) {
     CodeLocation location;
     location.raw = SplitRawLines(bytes);
     CheckBytes(bytes, location.raw, location.diagnostics);
-    const RawLineViews lines{bytes, location.raw};
+    const RawLineViews lines{bytes, location.raw, Utf8BomLength(bytes)};
     std::size_t i = SkipHeader(lines, location.diagnostics);
     while (i < lines.size() && IsAttributeLine(lines[i]))
         ++i;

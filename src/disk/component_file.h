@@ -33,6 +33,12 @@ struct FileDiagnostic {
     std::string message;
 };
 
+// The UTF-8 byte-order mark some editors write before the first line. VB6 writes none; the
+// first line is read behind it, and every rewrite keeps it.
+inline constexpr std::string_view kUtf8Bom = "\xEF\xBB\xBF";
+// 3 when the bytes begin with the mark, else 0.
+std::size_t Utf8BomLength(std::string_view bytes);
+
 // VB6 cannot load a line longer than this many bytes.
 inline constexpr std::size_t kMaxVbLineBytes = 1023;
 
