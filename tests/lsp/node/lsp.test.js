@@ -211,3 +211,41 @@ test('the project tree and a folder command', { timeout: 20000 }, async () => {
     command: 'arbolet.folders.remove', arguments: [vbp, 'NoSuchFolder'],
   }), (error) => error.code === -32803 && /is not a custom folder of Inventory/.test(error.message));
 });
+
+test('broken framing on the real pipe is logged and the server goes on to a clean exit', { timeout: 20000 }, async () => {
+  const child = spawn(arbolet, ['lsp'], { stdio: ['pipe', 'pipe', 'inherit'] });
+  const frame = (message) => {
+    const body = Buffer.from(JSON.stringify(message));
+    return Buffer.concat([Buffer.from(`Content-Length: ${body.length}\r\n\r\n`), body]);
+  };
+  let output = Buffer.alloc(0);
+  child.stdout.on('data', (chunk) => { output = Buffer.concat([output, chunk]); });
+  const exited = new Promise((resolve) => child.on('exit', (code) => resolve(code)));
+  child.stdin.write(frame({ jsonrpc: '2.0', id: 1, method: 'initialize', params: { capabilities: {} } }));
+  child.stdin.write('Content-Type: nothing else\r\n\r\n{}');           // no Content-Length
+  child.stdin.write('Content-Length: 9999\r\n\r\n{"id":');              // longer than the body
+  child.stdin.write(frame({ jsonrpc: '2.0', id: 2, method: 'no/such' }));
+  child.stdin.write('Content-Length: 5\r\n\r\nnot json at all');       // shorter, and no JSON
+  child.stdin.write(frame({ jsonrpc: '2.0', id: 3, method: 'shutdown' }));
+  child.stdin.write(frame({ jsonrpc: '2.0', method: 'exit' }));
+  child.stdin.end();
+  assert.equal(await exited, 0);
+  // Every byte of the output is a framed JSON message.
+  const messages = [];
+  let rest = output;
+  while (rest.length > 0) {
+    const text = rest.toString('latin1');
+    const match = /^Content-Length: (\d+)\r\n\r\n/.exec(text);
+    assert.ok(match, `unframed output: ${text.slice(0, 80)}`);
+    const start = match[0].length;
+    const length = Number(match[1]);
+    messages.push(JSON.parse(rest.subarray(start, start + length).toString('utf8')));
+    rest = rest.subarray(start + length);
+  }
+  const byId = (id) => messages.find((m) => m.id === id && !m.method);
+  assert.ok(byId(1).result.capabilities);
+  assert.equal(byId(2).error.code, -32601);
+  assert.equal(byId(3).result, null);
+  assert.ok(messages.some((m) => m.error && m.error.code === -32700), 'a parse error');
+  assert.ok(messages.filter((m) => m.method === 'window/logMessage').length >= 2, 'framing errors logged');
+});
