@@ -1,7 +1,10 @@
 // Reading, writing and applying check baselines (see check_baseline.h).
 #include "check/check_baseline.h"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
+
+#include "check/check_text.h"
 
 #include "disk/file_io.h"
 #include "disk/vb_path.h"
@@ -12,19 +15,42 @@ namespace {
 
 constexpr int kFormatVersion = 1;
 
+// The folder of a file, absolute and without `..`, so that `--baseline ../base.json` relates
+// paths as well as an absolute name does.
 fs::path AbsoluteFolderOf(const fs::path& file) {
     std::error_code ec;
     const fs::path absolute = fs::absolute(file, ec);
-    return (ec ? file : absolute).parent_path();
+    return (ec ? file : absolute).lexically_normal().parent_path();
 }
 
-// A finding's path relative to the baseline's folder, so that the baseline holds wherever the
-// check runs from.
+// A finding's path relative to the baseline's folder with `/` between its parts, so that the
+// baseline holds wherever the check runs from and on every system; bytes that are not UTF-8
+// are escaped, so that such names stay apart and match again.
 std::string RelativeTo(const fs::path& folder, const std::string& shownPath) {
     std::error_code ec;
     const fs::path absolute = fs::absolute(disk::PathFromUtf8(shownPath), ec).lexically_normal();
     const fs::path relative = absolute.lexically_relative(folder);
-    return disk::PathToUtf8((relative.empty() ? absolute : relative).generic_u8string());
+    return ShownText(disk::PathToUtf8((relative.empty() ? absolute : relative).generic_u8string()));
+}
+
+// The line of a byte offset, counted from 1.
+std::size_t LineAt(std::string_view bytes, std::size_t offset) {
+    offset = std::min(offset, bytes.size());
+    return 1 + static_cast<std::size_t>(std::count(
+                   bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(offset), '\n'));
+}
+
+[[noreturn]] void NotABaseline(const fs::path& file, const std::string& what) {
+    throw disk::FileError(file, "not an arbolet baseline: " + what);
+}
+
+std::string Member(const nlohmann::json& entry, const char* key, const fs::path& file,
+                   std::size_t index) {
+    const auto it = entry.find(key);
+    if (it == entry.end() || !it->is_string()) {
+        NotABaseline(file, "finding " + std::to_string(index + 1) + " has no text \"" + key + "\"");
+    }
+    return it->get<std::string>();
 }
 
 }  // namespace
@@ -32,17 +58,27 @@ std::string RelativeTo(const fs::path& folder, const std::string& shownPath) {
 Baseline Baseline::Read(const fs::path& file) {
     const std::string bytes = disk::ReadFileBytes(file);
     Baseline baseline(AbsoluteFolderOf(file));
+    nlohmann::json document;
     try {
-        const auto document = nlohmann::json::parse(bytes);
-        if (document.at("version").get<int>() != kFormatVersion)
-            throw disk::FileError(file, "baseline of an unknown version");
-        for (const auto& entry : document.at("findings")) {
-            ++baseline
-                  .known_[{entry.at("path").get<std::string>(), entry.at("rule").get<std::string>(),
-                           entry.at("fingerprint").get<std::string>()}];
-        }
-    } catch (const nlohmann::json::exception& error) {
-        throw disk::FileError(file, std::string("not an arbolet baseline: ") + error.what());
+        document = nlohmann::json::parse(bytes);
+    } catch (const nlohmann::json::parse_error& error) {
+        NotABaseline(file, "not JSON at line " + std::to_string(LineAt(bytes, error.byte)));
+    }
+    if (!document.is_object()) NotABaseline(file, "not a JSON object");
+    const auto version = document.find("version");
+    if (version == document.end() || !version->is_number_integer())
+        NotABaseline(file, "no \"version\" number");
+    if (version->get<std::int64_t>() != kFormatVersion)
+        NotABaseline(file, "version " + version->dump() + ", which this arbolet does not know");
+    const auto findings = document.find("findings");
+    if (findings == document.end() || !findings->is_array())
+        NotABaseline(file, "no \"findings\" list");
+    for (std::size_t i = 0; i < findings->size(); ++i) {
+        const auto& entry = (*findings)[i];
+        if (!entry.is_object())
+            NotABaseline(file, "finding " + std::to_string(i + 1) + " is not a JSON object");
+        ++baseline.known_[{Member(entry, "path", file, i), Member(entry, "rule", file, i),
+                           Member(entry, "fingerprint", file, i)}];
     }
     return baseline;
 }
@@ -56,7 +92,7 @@ void Baseline::Write(const fs::path& file, const std::vector<FileResult>& result
                                 {"rule", f.rule},
                                 {"fingerprint", f.fingerprint},
                                 {"line", f.line},
-                                {"message", f.message}});
+                                {"message", ShownText(f.message)}});
         }
     }
     const nlohmann::json document = {{"version", kFormatVersion}, {"findings", findings}};

@@ -2,10 +2,15 @@
 #include "check/check_findings.h"
 
 #include <algorithm>
+#include <optional>
 
 #include "analysis/colours.h"
+#include "analysis/vb6_block_tree.h"
 #include "analysis/vb6_blocks.h"
+#include "analysis/vb6_metrics.h"
+#include "base/utf8.h"
 #include "check/component_analysis.h"
+#include "check/quality_rules.h"
 #include "disk/codepage.h"
 #include "disk/component_file.h"
 #include "disk/file_io.h"
@@ -57,29 +62,82 @@ bool IsAscii(std::string_view text) {
                        [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
+// The lines of a file's bytes, split only when a finding needs its line's text.
+class LazyLines {
+  public:
+    explicit LazyLines(std::string_view bytes) : bytes_(bytes) {}
+
+    std::string_view operator()(std::int32_t line) {
+        if (!split_) {
+            lines_ = disk::SplitRawLines(bytes_);
+            split_ = true;
+        }
+        if (line < 1 || static_cast<std::size_t>(line) > lines_.size()) return {};
+        const disk::RawLine& raw = lines_[static_cast<std::size_t>(line - 1)];
+        return bytes_.substr(raw.offset, raw.length);
+    }
+
+  private:
+    std::string_view bytes_;
+    // A flag beside the vector rather than an optional one: GCC 12 takes the optional's storage
+    // for uninitialised at -O2.
+    bool split_ = false;
+    std::vector<disk::RawLine> lines_;
+};
+
+// The statement on a decoded line: from its first character that is no blank to its last, in
+// characters counted from 1, the end exclusive.
+void SetColumns(std::string_view line, Finding& finding) {
+    const std::string_view trimmed = text::Trim(line);
+    if (trimmed.empty()) return;
+    const auto before = line.substr(0, static_cast<std::size_t>(trimmed.data() - line.data()));
+    finding.column = static_cast<std::int32_t>(text::CharCount(before)) + 1;
+    finding.endColumn = finding.column + static_cast<std::int32_t>(text::CharCount(trimmed));
+}
+
 // The code below the module attributes, checked as bytes with the file's own line numbers;
-// only the names quoted in messages are decoded.
+// only the names quoted in messages are decoded. With quality limits, the same pass gives the
+// block tree the procedure figures come from.
 void AddVb6Findings(std::string_view bytes, const disk::CodeLocation& code, int codePage,
-                    const std::string& shown, FileResult& result) {
-    const auto lineText = [&](std::int32_t line) -> std::string_view {
-        if (line < 1 || static_cast<std::size_t>(line) > code.raw.size()) return {};
-        const disk::RawLine& raw = code.raw[static_cast<std::size_t>(line - 1)];
-        return bytes.substr(raw.offset, raw.length);
+                    const std::string& shown, const QualityLimits& limits, FileResult& result) {
+    LazyLines lineText(bytes);
+    const auto decoded = [codePage](std::string_view text) {
+        return IsAscii(text) ? std::string(text) : disk::DecodeCodePage(text, codePage);
     };
-    const auto decoded = [codePage](std::string text) {
-        return IsAscii(text) ? text : disk::DecodeCodePage(text, codePage);
-    };
-    for (auto& block :
-         analysis::vb6::CheckBlocks(bytes.substr(code.codeOffset), code.firstCodeLine + 1)) {
+    const std::string_view source = bytes.substr(code.codeOffset);
+    const auto firstLine = code.firstCodeLine + 1;
+    analysis::vb6::BlockTree tree;
+    if (limits.Any()) {
+        tree = analysis::vb6::ParseBlocks(source, firstLine);
+    } else {
+        tree.findings = analysis::vb6::CheckBlocks(source, firstLine);
+    }
+    for (auto& block : tree.findings) {
         const char* severity = analysis::vb6::IsWarning(block.rule) ? "warning" : "error";
-        Finding finding =
-            MakeFinding(shown, block.line, severity, analysis::vb6::RuleId(block.rule),
-                        decoded(std::move(block.message)));
+        Finding finding = MakeFinding(shown, block.line, severity,
+                                      analysis::vb6::RuleId(block.rule), decoded(block.message));
         finding.relatedLine = block.relatedLine;
-        finding.relatedText = decoded(std::move(block.relatedText));
-        finding.fingerprint = Fingerprint(decoded(std::string(lineText(block.line))));
+        finding.relatedText = decoded(block.relatedText);
+        const std::string text = decoded(lineText(block.line));
+        finding.fingerprint = Fingerprint(text);
+        SetColumns(text, finding);
         result.findings.push_back(std::move(finding));
     }
+    if (limits.Any()) {
+        AddQualityFindings(analysis::vb6::ComputeMetrics(source, tree, firstLine), limits, shown,
+                           decoded, lineText, result);
+    }
+}
+
+constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+
+void AddByteOrderMark(const std::string& shown, FileResult& result) {
+    Finding finding =
+        MakeFinding(shown, 1, "warning", kByteOrderMark,
+                    "the file starts with a UTF-8 byte-order mark, which VB6 does not expect: "
+                    "it reads the mark as part of the first line");
+    finding.fingerprint = Fingerprint(finding.message);
+    result.findings.push_back(std::move(finding));
 }
 
 void AddDiagnostics(const std::vector<disk::FileDiagnostic>& diagnostics, const std::string& shown,
@@ -104,6 +162,12 @@ std::vector<RuleInfo> CheckRules(RuleSet rules) {
             all.push_back({analysis::vb6::RuleId(rule), analysis::vb6::RuleDescription(rule)});
     }
     all.insert(all.end(), std::begin(kFileRules), std::end(kFileRules));
+    if (rules == RuleSet::Vb6) {
+        all.push_back(
+            {kByteOrderMark, "A component file that starts with a UTF-8 byte-order mark"});
+        const auto quality = QualityRules();
+        all.insert(all.end(), quality.begin(), quality.end());
+    }
     return all;
 }
 
@@ -132,12 +196,18 @@ std::string Fingerprint(std::string_view lineText) {
 }
 
 FileResult CheckComponentBytes(std::string_view bytes, const std::string& shown, int codePage,
-                               RuleSet rules) {
+                               RuleSet rules, const QualityLimits& limits) {
     FileResult result;
     if (rules == RuleSet::Vb6) {
+        // The mark is reported, then read past, so that it hides neither the header nor the
+        // first line's statement; line numbers do not change.
+        if (bytes.starts_with(kUtf8Mark)) {
+            AddByteOrderMark(shown, result);
+            bytes.remove_prefix(kUtf8Mark.size());
+        }
         const disk::CodeLocation code = disk::LocateCode(bytes);
         AddDiagnostics(code.diagnostics, shown, result);
-        AddVb6Findings(bytes, code, codePage, shown, result);
+        AddVb6Findings(bytes, code, codePage, shown, limits, result);
     } else {
         AnalysedComponent component;
         disk::ComponentFile file = disk::ParseComponentFile(bytes, codePage);
@@ -153,17 +223,22 @@ FileResult CheckComponentBytes(std::string_view bytes, const std::string& shown,
 }
 
 FileResult CheckComponentFile(const std::filesystem::path& path, const std::string& shown,
-                              int codePage, RuleSet rules) {
-    std::string bytes;
+                              int codePage, RuleSet rules, const QualityLimits& limits) {
+    // One buffer per thread: files checked in turn reuse its memory.
+    thread_local std::string bytes;
     try {
-        bytes = disk::ReadFileBytes(path);
+        disk::ReadFileBytes(path, bytes);
     } catch (const disk::FileError& error) {
         FileResult result;
         result.unreadable = true;
         result.findings.push_back(MakeFinding(shown, 0, "error", kUnreadableFile, error.what()));
         return result;
     }
-    return CheckComponentBytes(bytes, shown, codePage, rules);
+    FileResult result = CheckComponentBytes(bytes, shown, codePage, rules, limits);
+    // A long-running caller (the language server) keeps no huge file's memory.
+    constexpr std::size_t kKeptBuffer = 16u << 20;
+    if (bytes.capacity() > kKeptBuffer) std::string().swap(bytes);
+    return result;
 }
 
 }  // namespace arbolet::check

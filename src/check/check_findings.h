@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "check/check_config.h"
+
 namespace arbolet::check {
 
 struct Finding {
@@ -18,6 +20,9 @@ struct Finding {
     std::int32_t relatedLine = 0;  // where the block concerned began; 0 when none
     std::string relatedText;
     std::string fingerprint;  // of the line's text, so that edits elsewhere keep it
+    // The statement on the line, in characters from 1 (end exclusive); 0 when unknown.
+    std::int32_t column = 0;
+    std::int32_t endColumn = 0;
 };
 
 inline Finding MakeFinding(std::string path, std::int32_t line, std::string severity,
@@ -51,12 +56,13 @@ std::string Fingerprint(std::string_view lineText);
 
 // Checks the bytes of a component file as they are on disk (in its code page), such as an
 // editor's unsaved text; `shown` is the path as the user should see it.
+// Quality limits (vb6 rules only) add warnings for procedures above them.
 FileResult CheckComponentBytes(std::string_view bytes, const std::string& shown, int codePage,
-                               RuleSet rules);
+                               RuleSet rules, const QualityLimits& limits = {});
 
 // Checks one component file; `shown` is the path as the user should see it.
 FileResult CheckComponentFile(const std::filesystem::path& path, const std::string& shown,
-                              int codePage, RuleSet rules);
+                              int codePage, RuleSet rules, const QualityLimits& limits = {});
 
 // Rules of the files and projects themselves.
 inline constexpr std::string_view kMissingFile = "missing-file";
@@ -64,5 +70,6 @@ inline constexpr std::string_view kUnreadableFile = "unreadable-file";
 inline constexpr std::string_view kUnreadableFolder = "unreadable-folder";
 inline constexpr std::string_view kProjectFile = "project-file";
 inline constexpr std::string_view kFileFormat = "file-format";
+inline constexpr std::string_view kByteOrderMark = "byte-order-mark";
 
 }  // namespace arbolet::check

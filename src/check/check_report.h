@@ -33,4 +33,7 @@ void WriteCheckSarif(std::ostream& out, const std::vector<FileResult>& results, 
 // named by a uriBaseId), absolute ones become file:// URIs. Percent-encoded.
 std::string SarifUri(const std::string& shownPath);
 
+// A path below the working folder relative to it (`/` between parts); any other path absolute.
+std::string RelativeToWorkingFolder(const std::string& shownPath);
+
 }  // namespace arbolet::check

@@ -2,6 +2,7 @@
 #include "check/check_targets.h"
 
 #include <algorithm>
+#include <optional>
 #include <set>
 
 #include "base/utf8.h"
@@ -18,7 +19,14 @@ namespace {
 class Collector {
   public:
     Collector(const std::vector<std::string>& exclusions, int codePage)
-        : exclusions_(exclusions), codePage_(codePage) {}
+        : exclusions_(exclusions), codePage_(codePage), used_(exclusions.size(), false) {
+        // An exclusion is also a path, relative to the working folder or absolute, that leaves
+        // out the file or folder it names.
+        std::error_code ec;
+        workingFolder_ = fs::current_path(ec);
+        for (const auto& exclusion : exclusions_)
+            excludedPaths_.push_back(Absolute(disk::PathFromUtf8(exclusion)));
+    }
 
     void Add(const std::string& text) {
         const fs::path path = disk::PathFromUtf8(text);
@@ -36,7 +44,12 @@ class Collector {
         }
     }
 
-    CheckTargets Take() { return std::move(targets_); }
+    CheckTargets Take() {
+        for (std::size_t i = 0; i < exclusions_.size(); ++i) {
+            if (!used_[i]) targets_.unusedExclusions.push_back(exclusions_[i]);
+        }
+        return std::move(targets_);
+    }
 
   private:
     static bool IsProjectOrGroup(const fs::path& path) {
@@ -48,19 +61,44 @@ class Collector {
         return disk::PathToUtf8(path.generic_u8string());
     }
 
-    bool Excluded(const std::string& shown) const {
-        return std::any_of(exclusions_.begin(), exclusions_.end(),
-                           [&](const std::string& glob) { return PathMatchesGlob(shown, glob); });
+    fs::path Absolute(const fs::path& path) const {
+        return (path.is_absolute() ? path : workingFolder_ / path).lexically_normal();
     }
 
-    void AddFile(const fs::path& path, std::string shown = {}) {
+    // Whether `path` is `folder` or lies below it.
+    static bool Within(const fs::path& path, const fs::path& folder) {
+        auto p = path.begin();
+        for (auto f = folder.begin(); f != folder.end(); ++f, ++p) {
+            if (f->empty() && std::next(f) == folder.end()) return true;  // a trailing `/`
+            if (p == path.end() || *p != *f) return false;
+        }
+        return true;
+    }
+
+    // Every exclusion that matches is marked used, so that one matching nothing can be named.
+    bool Excluded(const std::string& shown, const fs::path& path) {
+        bool excluded = false;
+        std::optional<fs::path> absolute;
+        for (std::size_t i = 0; i < exclusions_.size(); ++i) {
+            bool match = PathMatchesGlob(shown, exclusions_[i]);
+            if (!match) {
+                if (!absolute) absolute = Absolute(path);
+                match = Within(*absolute, excludedPaths_[i]);
+            }
+            if (match) used_[i] = true;
+            excluded = excluded || match;
+        }
+        return excluded;
+    }
+
+    void AddFile(const fs::path& path, std::string shown = {}, std::string project = {}) {
         if (shown.empty()) shown = Shown(path);
-        if (Excluded(shown)) return;
+        if (Excluded(shown, path)) return;
         std::error_code ec;
         fs::path identity = fs::weakly_canonical(path, ec);
         if (ec) identity = fs::absolute(path, ec).lexically_normal();
         if (!seen_.insert(identity).second) return;
-        targets_.files.push_back({path, std::move(shown)});
+        targets_.files.push_back({path, std::move(shown), std::move(project)});
     }
 
     void Problem(Finding finding) {
@@ -89,7 +127,7 @@ class Collector {
                 std::error_code kind;
                 const fs::path& entry = it->path();
                 if (it->is_directory(kind) && !it->is_symlink(kind)) {
-                    if (!Excluded(Shown(entry) + '/')) below.push_back(entry);
+                    if (!Excluded(Shown(entry) + '/', entry)) below.push_back(entry);
                 } else if (it->is_regular_file(kind) &&
                            disk::IsComponentFileName(disk::PathToUtf8(entry.filename()))) {
                     files.push_back(entry);
@@ -125,7 +163,9 @@ class Collector {
         }
         const auto projects = environment->VBProjects();
         for (std::int32_t p = 1; p <= projects->Count(); ++p) {
-            const auto components = projects->Item(p)->VBComponents();
+            const auto project = projects->Item(p);
+            const std::string projectName = project->Name();
+            const auto components = project->VBComponents();
             for (std::int32_t c = 1; c <= components->Count(); ++c) {
                 const auto component = components->Item(c);
                 const auto type = component->Type();
@@ -134,13 +174,16 @@ class Collector {
                     continue;
                 }
                 const fs::path file = disk::PathFromUtf8(component->FileNames(1));
-                AddFile(file, disk::ShownPath(file));
+                AddFile(file, disk::ShownPath(file), projectName);
             }
         }
     }
 
     const std::vector<std::string>& exclusions_;
     int codePage_;
+    std::vector<bool> used_;
+    fs::path workingFolder_;
+    std::vector<fs::path> excludedPaths_;
     CheckTargets targets_;
     std::set<fs::path> seen_;
 };
