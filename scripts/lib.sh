@@ -1,6 +1,6 @@
 # Helpers shared by the build scripts.
 NATIVE_PACKAGES=(cmake ninja-build g++ clang ccache libgtest-dev libbenchmark-dev libcli11-dev
-                 nlohmann-json3-dev libfmt-dev)
+                 nlohmann-json3-dev libfmt-dev neovim)
 
 ARBOLET_STARTED=${ARBOLET_STARTED:-$(date +%s)}
 export ARBOLET_STARTED

@@ -81,6 +81,7 @@ int RunArbolet(int argc, const char* const* argv, Terminal terminal) {
     AddAddCommand(app, context);
     AddComponentCommands(app, context);
     AddMetricsCommand(app, context);
+    AddLspCommand(app, context);
     if (const auto unknown = UnknownSubcommand(app, argc, argv)) {
         terminal.err << "arbolet: unknown subcommand '" << *unknown << "'; the subcommands are";
         const char* separator = " ";
