@@ -238,7 +238,9 @@ class Checker {
         line_ = line.firstLine;
         indent_ = -1;  // measured when a block opens or a `Next` needs it
         singleLine_ = false;
+        restIsComment_ = false;
         ForEachStatement(line.text, [&](const Statement& statement) {
+            if (restIsComment_) return;
             std::string_view text = statement.text;
             if (statement.first) {
                 text = SkipLineNumber(text);
@@ -304,6 +306,10 @@ class Checker {
             return;
         }
         if (InDeadBranch()) return;
+        if (WordIs(word, "rem")) {  // after `Then` or `Else`: a comment to the end of the line
+            restIsComment_ = true;
+            return;
+        }
         if (InDeclarationBlock()) {
             DeclarationBlockMember(word, text);
             return;
@@ -370,7 +376,11 @@ class Checker {
     void If(std::string_view word, std::string_view rest, bool last) {
         const auto afterThen = AfterThen(rest);
         if (!afterThen) return;  // no `Then`: not a block, and not ours to judge
-        if (afterThen->empty() && last && !singleLine_) {
+        // A `Rem` comment after `Then` is a comment like `'`: the `If` is still a block.
+        // It runs to the end of the line, colons included.
+        const bool remark = WordIs(FirstWord(*afterThen), "rem");
+        if (remark) restIsComment_ = true;
+        if (((afterThen->empty() && last) || remark) && !singleLine_) {
             Open(Kind::If, word);
             return;
         }
@@ -902,6 +912,7 @@ class Checker {
     std::int32_t line_ = 0;
     std::int32_t indent_ = 0;
     bool singleLine_ = false;
+    bool restIsComment_ = false;  // a `Rem` after `Then` made the rest of the line a comment
     std::int32_t top_ = -1;
     std::vector<Entry> nodes_;
     std::vector<Conditional> conditionals_;
