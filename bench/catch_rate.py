@@ -31,7 +31,7 @@ BLOCK_LINE = re.compile(
     r"(?P<if>if\b.*\bthen\s*(?:'.*)?$)|(?P<for>for\b)|(?P<do>do\b)|(?P<while>while\b)"
     r"|(?P<select>select\s+case\b)|(?P<with>with\b)"
     r"|(?P<procedure>" + MODIFIERS + r"(?:sub|function|property)\b)"
-    r"|(?P<type>" + MODIFIERS + r"(?:type|enum)\b)"
+    r"|(?P<type>" + MODIFIERS + r"(?:type|enum)\s+(?!as\b)\w)"
     r"|(?P<end>end\s+(?:if|select|with|sub|function|property|type|enum)\b)"
     r"|(?P<next>next\b)|(?P<loop>loop\b)|(?P<wend>wend\b)"
     r"|(?P<directive>#(?:if|end\s*if)\b))",

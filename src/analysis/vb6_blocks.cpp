@@ -174,6 +174,28 @@ std::optional<std::string_view> AfterThen(std::string_view text) {
     return std::nullopt;
 }
 
+// The value of a `#If` or `#ElseIf` condition that is a literal (`False`, `True`, `0`, `-1`,
+// in parentheses or not), or nullopt for one that depends on constants.
+std::optional<bool> LiteralCondition(std::string_view condition) {
+    condition = TrimBlanks(condition);
+    const std::size_t last = condition.find_last_of(" \t)");
+    const std::string_view tail = condition.substr(last == std::string_view::npos ? 0 : last + 1);
+    if (WordIs(tail, "then")) condition = TrimBlanks(condition.substr(0, condition.size() - 4));
+    while (condition.size() >= 2 && condition.front() == '(' && condition.back() == ')')
+        condition = TrimBlanks(condition.substr(1, condition.size() - 2));
+    if (WordIs(condition, "false")) return false;
+    if (WordIs(condition, "true")) return true;
+    std::string_view digits = condition;
+    if (!digits.empty() && digits.front() == '-') digits.remove_prefix(1);
+    if (digits.empty() || digits.size() > 9) return std::nullopt;
+    bool zero = true;
+    for (const char c : digits) {
+        if (c < '0' || c > '9') return std::nullopt;
+        zero &= c == '0';
+    }
+    return !zero;
+}
+
 struct Entry {
     Kind kind = Kind::If;
     bool caseSeen = false;
@@ -192,6 +214,11 @@ struct Conditional {
     std::int32_t branchLine = 0;  // where the current branch began
     std::string_view branchWord;  // its directive
     std::int32_t block = -1;      // in the block tree, when one is built
+    // The branch that the others are compared with: the first one that is compiled.
+    std::int32_t firstLine = 0;
+    std::string_view firstWord = "#If";
+    bool dead = false;   // the current branch is never compiled: `#If False Then`
+    bool taken = false;  // a branch so far is always compiled, so the rest never are
 };
 
 constexpr std::int32_t kInFirstBranch = -2;
@@ -211,7 +238,9 @@ class Checker {
         line_ = line.firstLine;
         indent_ = -1;  // measured when a block opens or a `Next` needs it
         singleLine_ = false;
+        restIsComment_ = false;
         ForEachStatement(line.text, [&](const Statement& statement) {
+            if (restIsComment_) return;
             std::string_view text = statement.text;
             if (statement.first) {
                 text = SkipLineNumber(text);
@@ -274,6 +303,11 @@ class Checker {
         statement_ = text;
         if (word.front() == '#') {
             Directive(word, AfterWord(text, word));
+            return;
+        }
+        if (InDeadBranch()) return;
+        if (WordIs(word, "rem")) {  // after `Then` or `Else`: a comment to the end of the line
+            restIsComment_ = true;
             return;
         }
         if (InDeclarationBlock()) {
@@ -342,7 +376,11 @@ class Checker {
     void If(std::string_view word, std::string_view rest, bool last) {
         const auto afterThen = AfterThen(rest);
         if (!afterThen) return;  // no `Then`: not a block, and not ours to judge
-        if (afterThen->empty() && last && !singleLine_) {
+        // A `Rem` comment after `Then` is a comment like `'`: the `If` is still a block.
+        // It runs to the end of the line, colons included.
+        const bool remark = WordIs(FirstWord(*afterThen), "rem");
+        if (remark) restIsComment_ = true;
+        if (((afterThen->empty() && last) || remark) && !singleLine_) {
             Open(Kind::If, word);
             return;
         }
@@ -520,7 +558,12 @@ class Checker {
     void Directive(std::string_view word, std::string_view rest) {
         if (WordIs(word, "#if")) {
             const std::int32_t block = NewBlock(BlockKind::ConditionalIf, word, {});
-            conditionals_.push_back({top_, kInFirstBranch, line_, line_, "#If", block});
+            // Inside a branch that is never compiled, every branch of this one is dead too.
+            const bool outerDead = InDeadBranch();
+            Conditional frame{top_, kInFirstBranch, line_, line_, "#If", block};
+            EnterBranch(frame, outerDead ? std::optional<bool>(false) : LiteralCondition(rest));
+            frame.taken |= outerDead;
+            conditionals_.push_back(frame);
         } else if (WordIs(word, "#elseif") || WordIs(word, "#else")) {
             const std::string_view shown = WordIs(word, "#else") ? "#Else" : "#ElseIf";
             if (conditionals_.empty()) {
@@ -534,6 +577,12 @@ class Checker {
             top_ = frame.start;
             frame.branchLine = line_;
             frame.branchWord = shown;
+            if (frame.taken) {
+                frame.dead = true;
+            } else {
+                EnterBranch(frame, WordIs(word, "#else") ? std::optional<bool>(true)
+                                                         : LiteralCondition(rest));
+            }
         } else if (WordIs(word, "#end") || WordIs(word, "#endif")) {
             if (conditionals_.empty()) {
                 Unmatched("#End If", "#If");
@@ -544,15 +593,18 @@ class Checker {
             const std::string_view ifWord = FirstWord(rest);
             closer_ = SpanOf(WordIs(ifWord, "if") ? Through(word, ifWord) : word);
             CloseBlock(frame.block);
-            top_ = frame.firstEnd;
+            top_ = frame.firstEnd == kInFirstBranch ? frame.start : frame.firstEnd;
             conditionals_.pop_back();
         }
     }
 
     // Every branch must leave the same blocks open as the first one; the first one goes on.
     void EndBranch(Conditional& frame) {
+        if (frame.dead) return;  // nothing in it was read
         if (frame.firstEnd == kInFirstBranch) {
             frame.firstEnd = top_;
+            frame.firstLine = frame.branchLine;
+            frame.firstWord = frame.branchWord;
             return;
         }
         for (std::int32_t at = top_; at >= 0 && at != frame.start;) {
@@ -563,10 +615,20 @@ class Checker {
         if (SameBlocks(top_, frame.firstEnd)) return;
         Report(BlockRule::ConditionalBranches, frame.branchLine,
                "the " + Quoted(frame.branchWord) + " branch at line " + Number(frame.branchLine) +
-                   " leaves other blocks open than the " + Quoted("#If") + " branch at line " +
-                   Number(frame.ifLine),
-               frame.ifLine, Quoted("#If") + " here");
+                   " leaves other blocks open than the " + Quoted(frame.firstWord) +
+                   " branch at line " + Number(frame.firstLine),
+               frame.firstLine, Quoted(frame.firstWord) + " here");
     }
+
+    // A branch whose condition is the literal False or 0 is never compiled, and one after a
+    // literal True or other number is not either: VB6 does not read their code, so disabled
+    // code there may leave blocks open.
+    static void EnterBranch(Conditional& frame, std::optional<bool> literal) {
+        frame.dead = literal.has_value() && !*literal;
+        frame.taken = literal.has_value() && *literal;
+    }
+
+    bool InDeadBranch() const { return !conditionals_.empty() && conditionals_.back().dead; }
 
     bool SameBlocks(std::int32_t a, std::int32_t b) const {
         while (a != b) {
@@ -850,6 +912,7 @@ class Checker {
     std::int32_t line_ = 0;
     std::int32_t indent_ = 0;
     bool singleLine_ = false;
+    bool restIsComment_ = false;  // a `Rem` after `Then` made the rest of the line a comment
     std::int32_t top_ = -1;
     std::vector<Entry> nodes_;
     std::vector<Conditional> conditionals_;
