@@ -5,8 +5,39 @@ NATIVE_PACKAGES=(cmake ninja-build g++ clang ccache libgtest-dev libbenchmark-de
 ARBOLET_STARTED=${ARBOLET_STARTED:-$(date +%s)}
 export ARBOLET_STARTED
 
-# Prints a step heading with the seconds since the whole run started.
-step() { printf '\n== [%4ss] %s\n' "$(($(date +%s) - ARBOLET_STARTED))" "$*"; }
+# Every step's name and duration, one "seconds<TAB>name" line each, shared by the scripts that one
+# run calls, for the summary at its end.
+if [[ -z "${ARBOLET_STEP_LOG:-}" ]]; then
+    ARBOLET_STEP_LOG=$(mktemp)
+    ARBOLET_OWNS_STEP_LOG=1  # this script started the run: it prints the summary
+fi
+export ARBOLET_STEP_LOG
+
+# Ends the step running (writing down how long it took) and, given a name, starts the next one:
+# a heading with the seconds since the whole run started.
+step() {
+    local now
+    now=$(date +%s)
+    if [[ -n "${ARBOLET_STEP_NAME:-}" ]]; then
+        local took=$((now - ARBOLET_STEP_STARTED))
+        printf '%s\t%s\n' "$took" "$ARBOLET_STEP_NAME" >>"$ARBOLET_STEP_LOG"
+        printf -- '-- %s s: %s\n' "$took" "$ARBOLET_STEP_NAME"
+    fi
+    ARBOLET_STEP_NAME="$*"
+    ARBOLET_STEP_STARTED=$now
+    [[ -n "$*" ]] && printf '\n== [%4ss] %s\n' "$((now - ARBOLET_STARTED))" "$*"
+    return 0
+}
+
+# Ends the last step and prints how long each step of the run took.
+step_summary() {
+    step ""
+    printf '\n%6s  %s\n' seconds step
+    while IFS=$'\t' read -r took name; do
+        printf '%6s  %s\n' "$took" "$name"
+    done <"$ARBOLET_STEP_LOG"
+    printf '%6s  %s\n' "$(($(date +%s) - ARBOLET_STARTED))" "in all"
+}
 
 # Lets CMake compile through ccache when it is installed. Paths are hashed relative to the
 # checkout, so a fresh clone reuses what an earlier build of the same sources compiled.
