@@ -66,7 +66,8 @@ std::optional<Arguments> Parse(int& status) {
     app.add_option("--dump-tree", arguments.dumpTree,
                    "Write the tree read back from the control as JSON, then exit");
     app.add_option("--expand", arguments.expand,
-                   "With --dump-tree: open these components first (all, or names with commas)");
+                   "With --dump-tree or --dump-menu: open these components first (all, or "
+                   "names with commas), so that the menu of a code line can be asked for");
     app.add_option("--dump-menu", arguments.dumpMenu,
                    "KEY OUT: open the context menu of the node with KEY as a right click would, "
                    "write it as JSON to OUT, then exit (KEY \"\": empty tree space, #background: "
@@ -118,6 +119,10 @@ int RunAutomated(const Arguments& arguments) {
         return 2;
     }
     if (!arguments.dumpMenu.empty()) {
+        if (!arguments.expand.empty()) {
+            for (const auto& problem : OpenComponents(window, arguments.expand))
+                Report("warning: not expanded: " + problem, true);
+        }
         // With a menu, the picture is taken while it is open.
         std::string error;
         if (!DumpMenu(window, arguments.dumpMenu[0], PathOf(arguments.dumpMenu[1]),

@@ -3,7 +3,8 @@
 # and the explorer build their context menus from one document. Called with -D: VB6HOST and
 # EXPLORER (commands, as lists), PROJECT, KEY (the node, empty for empty tree space), DUMP (the
 # file vb6host writes; the explorer's goes beside it), EXPECT (captions that must be in the
-# menu, as a list), SCREENSHOT (optional, a PNG of the IDE with the menu open).
+# menu, as a list), SCREENSHOT (optional, a PNG of the IDE with the menu open), EXPAND
+# (optional, the components both open first, for the menu of a code line).
 cmake_minimum_required(VERSION 3.19)
 
 set(screenshotArguments)
@@ -12,13 +13,18 @@ if(SCREENSHOT)
 endif()
 set(explorerDump ${DUMP}.explorer.json)
 file(REMOVE ${DUMP} ${explorerDump})
+set(expandArguments)
+if(EXPAND)
+    set(expandArguments --expand ${EXPAND})
+endif()
 execute_process(COMMAND ${VB6HOST} --connect-mode 1 --dump-menu "${KEY}" ${DUMP}
-                        ${screenshotArguments} ${PROJECT}
+                        ${expandArguments} ${screenshotArguments} ${PROJECT}
                 OUTPUT_VARIABLE hostOutput ERROR_VARIABLE hostOutput)
 if(NOT hostOutput MATCHES "vb6host: all steps passed")
     message(FATAL_ERROR "vb6host did not pass:\n${hostOutput}")
 endif()
-execute_process(COMMAND ${EXPLORER} --dump-menu "${KEY}" ${explorerDump} ${PROJECT}
+execute_process(COMMAND ${EXPLORER} --dump-menu "${KEY}" ${explorerDump} ${expandArguments}
+                        ${PROJECT}
                 OUTPUT_VARIABLE explorerOutput ERROR_VARIABLE explorerOutput)
 if(NOT EXISTS ${explorerDump})
     message(FATAL_ERROR "the explorer wrote no menu:\n${explorerOutput}")

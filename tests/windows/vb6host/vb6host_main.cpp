@@ -1,8 +1,8 @@
 // vb6host: runs the add-in DLL beside it in the emulated VB6 IDE, as the IDE's add-in manager
 // would, over the projects on the command line, and says what worked.
 //
-//   vb6host.exe [--connect-mode 0|1|2] [--transcript OUT.txt] [--dump-tree OUT.json
-//               [--expand all|NAME,...]] [--dump-menu KEY OUT.json] [--screenshot OUT.png]
+//   vb6host.exe [--connect-mode 0|1|2] [--transcript OUT.txt] [--dump-tree OUT.json]
+//               [--dump-menu KEY OUT.json] [--expand all|NAME,...] [--screenshot OUT.png]
 //               [--cycles N] [--scenario]
 //               [--dll PATH] PROJECT.vbp|GROUP.vbg...
 //
@@ -95,7 +95,8 @@ bool Parse(int argc, wchar_t** argv, Options& options) {
             options.projects.push_back(arg);
         }
     }
-    return !options.projects.empty() && (options.expand.empty() || !options.dumpTree.empty()) &&
+    return !options.projects.empty() &&
+           (options.expand.empty() || !options.dumpTree.empty() || !options.dumpMenu.empty()) &&
            (options.installed.empty() || options.dll.empty()) &&
            (options.hold.empty() || !options.installed.empty());
 }
@@ -262,20 +263,25 @@ void UseTheTree(Session& session, const Options& options, Report& report) {
     DragOntoFolder(scene, L"clsWarehouse", L"Archive");
 }
 
-// The tree through the tool window's DocObj, in the standalone explorer's schema, after the
-// nodes --expand names were opened with the keyboard as a user opens them.
+// Opens the nodes --expand names with the keyboard, as a user opens them, before the tree or a
+// menu is dumped; they stay open for the picture.
+void ExpandAsked(Session& session, const Options& options, Report& report) {
+    const auto window = TheToolWindow(*session.context);
+    HWND tree = window ? FindTreeView(window->Client()) : nullptr;
+    if (!report.Check(tree != nullptr, "the tool window holds a tree view")) return;
+    const bool all = options.expand == L"all";
+    const int opened =
+        ExpandNodes(tree, all ? std::vector<std::wstring>{} : SplitNames(options.expand), all);
+    report.Check(all || opened > 0, "opened " + std::to_string(opened) + " nodes");
+    Pump(50);
+}
+
+// The tree through the tool window's DocObj, in the standalone explorer's schema; the dump
+// itself opens nothing.
 void DumpTree(Session& session, const Options& options, Report& report) {
     const auto window = TheToolWindow(*session.context);
     HWND tree = window ? FindTreeView(window->Client()) : nullptr;
     if (!report.Check(tree != nullptr, "the tool window holds a tree view")) return;
-    if (!options.expand.empty()) {
-        const bool all = options.expand == L"all";
-        const int opened =
-            ExpandNodes(tree, all ? std::vector<std::wstring>{} : SplitNames(options.expand), all);
-        report.Check(all || opened > 0, "opened " + std::to_string(opened) + " nodes");
-        Pump(50);
-    }
-    // The nodes opened above stay open for the picture; the dump itself opens nothing more.
     std::string error;
     const bool done = DumpDocumentTree(window->Document(), options.dumpTree, L"", error);
     report.Check(done, "wrote the tree (" + std::to_string(CountNodes(tree)) + " nodes) to " +
@@ -431,6 +437,7 @@ int Run(const Options& options) {
                         UseTheTree(session, options, report);
                         ChangeProjects(session, report);
                     }
+                    if (!options.expand.empty()) ExpandAsked(session, options, report);
                     if (!options.dumpTree.empty()) DumpTree(session, options, report);
                     if (!options.dumpMenu.empty()) DumpMenu(session, options, report);
                     if (!options.screenshot.empty() && options.dumpMenu.empty())
@@ -471,7 +478,7 @@ int wmain(int argc, wchar_t** argv) {
     if (!arbolet::vb6host::Parse(argc, argv, options)) {
         std::fprintf(stderr,
                      "usage: vb6host [--connect-mode 0|1|2] [--transcript OUT.txt] [--dump-tree "
-                     "OUT.json [--expand all|NAME,...]] [--dump-menu KEY OUT.json] [--screenshot "
+                     "OUT.json] [--dump-menu KEY OUT.json] [--expand all|NAME,...] [--screenshot "
                      "OUT.png] [--cycles N] "
                      "[--scenario] [--dll PATH] PROJECT.vbp|GROUP.vbg...\n");
         std::fprintf(stderr,
