@@ -321,17 +321,6 @@ HRESULT ToolWindowControl::SetObjectRects(LPCRECT position, LPCRECT) noexcept {
 
 // ---- IDispatch, IOleControl ----
 
-HRESULT ToolWindowControl::GetTypeInfoCount(UINT* count) noexcept {
-    if (count == nullptr) return E_POINTER;
-    *count = 0;
-    return S_OK;
-}
-
-HRESULT ToolWindowControl::GetTypeInfo(UINT, LCID, ITypeInfo** info) noexcept {
-    if (info != nullptr) *info = nullptr;
-    return E_NOTIMPL;
-}
-
 namespace {
 
 constexpr DISPID kDispidDumpTree = 1;

@@ -23,7 +23,6 @@ enum ECNMHeaderStyle : std::int32_t {
 // The menu-wide settings the drawing follows.
 struct MenuStyle {
     HIMAGELIST Images = nullptr;
-    HBITMAP Background = nullptr;
     std::int32_t TickIcon = -1;    // image replacing the check mark; -1 for the drawn mark
     std::int32_t OptionIcon = -1;  // image replacing the radio mark; -1 for the drawn mark
     bool GradientHighlight = false;

@@ -49,10 +49,6 @@ class cPopupMenu : public popupmenu::MenuItems {
     std::function<void(std::int32_t lMenuIndex, std::int32_t& lWidth, std::int32_t& lHeight)>
         MeasureItem;
 
-    // A picture tiled behind the items; the caller keeps owning the bitmap.
-    void BackgroundPicture(HBITMAP hBitmap) noexcept { painter_.Style().Background = hBitmap; }
-    void ClearBackgroundPicture() noexcept { painter_.Style().Background = nullptr; }
-
     // The menu ID of an item, or for an item with a sub-menu that menu's handle.
     std::intptr_t IDForItem(std::int32_t lIndex);
 

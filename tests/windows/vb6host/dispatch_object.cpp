@@ -199,18 +199,6 @@ ULONG DispatchObject::Release() noexcept {
     return static_cast<ULONG>(left);
 }
 
-// No type information: every caller here binds late, by name, as the IDE's own callers may.
-HRESULT DispatchObject::GetTypeInfoCount(UINT* count) noexcept {
-    if (count == nullptr) return E_POINTER;
-    *count = 0;
-    return S_OK;
-}
-
-HRESULT DispatchObject::GetTypeInfo(UINT, LCID, ITypeInfo** info) noexcept {
-    if (info != nullptr) *info = nullptr;
-    return DISP_E_BADINDEX;
-}
-
 HRESULT DispatchObject::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID,
                                       DISPID* ids) noexcept {
     return windows::com::IdsOfNames(members_, names, count, ids);
