@@ -202,6 +202,26 @@ void ShowAndHide(Session& session, AddInConnection& connection, Report& report) 
 
 // Adds and removes a component and a project through the IDE's own commands, so that the
 // add-in receives the events, and checks that the tree follows each change.
+// Project > Add Module, then Project > Remove, on the active project: the tree must show the
+// new module and then lose it, which only the project's component events tell the add-in.
+void AddAndRemoveAModule(Session& session, HWND tree, const std::string& when, Report& report) {
+    HostContext& context = *session.context;
+    const auto project = context.Environment().ActiveVBProject();
+    if (!report.Check(project != nullptr, "a project is active " + when)) return;
+    const CommandBarRef menu = context.Bars().FindBar(L"Project");
+    const int before = project->VBComponents()->Count();
+    report.Check(session.main->ChooseMenuItem(menu->controls->FindByCaption(L"Add Module")) &&
+                     project->VBComponents()->Count() == before + 1,
+                 "Project > Add Module adds a module " + when);
+    const auto added = context.SelectedComponent();
+    const std::wstring addedName = added ? windows::Utf8ToWide(added->Name()) : std::wstring();
+    report.Check(added && HasNodeText(tree, addedName), "the tree shows the new module " + when);
+    report.Check(session.main->ChooseMenuItem(menu->controls->FindByCaption(L"Remove")) &&
+                     project->VBComponents()->Count() == before,
+                 "Project > Remove removes it again " + when);
+    report.Check(added && !HasNodeText(tree, addedName), "the tree no longer shows it " + when);
+}
+
 void ChangeProjects(Session& session, Report& report) {
     HostContext& context = *session.context;
     disk::DiskEnvironment& environment = context.Environment();
@@ -213,18 +233,7 @@ void ChangeProjects(Session& session, Report& report) {
     if (!report.Check(project != nullptr, "a project is active")) return;
     report.Check(HasNodeText(tree, windows::Utf8ToWide(project->Name())),
                  "the tree shows the project " + project->Name());
-    const CommandBarRef menu = context.Bars().FindBar(L"Project");
-    const int before = project->VBComponents()->Count();
-    report.Check(session.main->ChooseMenuItem(menu->controls->FindByCaption(L"Add Module")) &&
-                     project->VBComponents()->Count() == before + 1,
-                 "Project > Add Module adds a module");
-    const auto added = context.SelectedComponent();
-    const std::wstring addedName = added ? windows::Utf8ToWide(added->Name()) : std::wstring();
-    report.Check(added && HasNodeText(tree, addedName), "the tree shows the new module");
-    report.Check(session.main->ChooseMenuItem(menu->controls->FindByCaption(L"Remove")) &&
-                     project->VBComponents()->Count() == before,
-                 "Project > Remove removes it again");
-    report.Check(added && !HasNodeText(tree, addedName), "the tree no longer shows it");
+    AddAndRemoveAModule(session, tree, "(as loaded)", report);
     const std::string file = project->FileName();
     const std::string name = project->Name();
     try {
@@ -236,6 +245,8 @@ void ChangeProjects(Session& session, Report& report) {
             environment.VBProjects()->Item(environment.VBProjects()->Count()));
         report.Check(HasNodeText(tree, windows::Utf8ToWide(name)),
                      "opening " + name + " again puts it back");
+        // The project opened again is followed as well, without a reload in between.
+        AddAndRemoveAModule(session, tree, "(opened again)", report);
     } catch (const std::exception& error) {
         report.Check(false, std::string("removing and adding the project: ") + error.what());
     }
@@ -432,8 +443,6 @@ int Run(const Options& options) {
                     }
                     if (options.scenario && options.mode != 2) {
                         ShowAndHide(session, connection, report);
-                        // Before the project is closed and opened again: the add-in hears
-                        // component events only for the project active at its last reload.
                         UseTheTree(session, options, report);
                         ChangeProjects(session, report);
                     }
