@@ -14,9 +14,9 @@
 
 #include "analysis/display_options.h"
 #include "automation.h"
-#include "cli/display_flags.h"
+#include "flags/display_flags.h"
 #include "main_window.h"
-#include "windows/registry/ansi_text.h"
+#include "windows/base/ansi_text.h"
 
 namespace arbolet::explorer_app {
 namespace {
@@ -76,7 +76,7 @@ std::optional<Arguments> Parse(int& status) {
         ->allow_extra_args(false);
     app.add_option("--screenshot", arguments.screenshot,
                    "Save a picture of the window as PNG after the other options, then exit");
-    cli::AddDisplayFlags(app, arguments.display);
+    flags::AddDisplayFlags(app, arguments.display);
     std::vector<std::string> raw = CommandLineArguments();
     if (!raw.empty()) raw.erase(raw.begin());
     std::reverse(raw.begin(), raw.end());

@@ -8,12 +8,12 @@
 #include <vector>
 
 #include "windows/addin/module_instance.h"
+#include "windows/base/ansi_text.h"
 #include "windows/com/dispatch_names.h"
 #include "windows/com/error_info.h"
 #include "windows/com/log.h"
 #include "windows/com/variant.h"
 #include "windows/com/vbide_ids.h"
-#include "windows/registry/ansi_text.h"
 
 namespace arbolet::windows::addin {
 namespace {

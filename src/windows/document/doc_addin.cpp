@@ -8,11 +8,11 @@
 
 #include "base/utf8.h"
 #include "base/vb_error.h"
+#include "windows/base/ansi_text.h"
 #include "windows/document/node_pictures.h"
 #include "windows/document/win32_ui.h"
 #include "windows/icons/tree_icons.h"
 #include "windows/options/registry_display_options.h"
-#include "windows/registry/ansi_text.h"
 
 namespace arbolet::windows {
 namespace {

@@ -9,7 +9,7 @@
 #include "base/utf8.h"
 #include "cli/json_writer.h"
 #include "cli/tree_json.h"
-#include "windows/registry/ansi_text.h"
+#include "windows/base/ansi_text.h"
 #include "windows/screenshot/screen_capture.h"
 
 namespace arbolet::windows {

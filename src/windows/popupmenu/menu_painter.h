@@ -10,7 +10,7 @@
 #include <cstdint>
 
 #include "popupmenu/menu_items.h"
-#include "windows/gdi_handles.h"
+#include "windows/base/gdi_handles.h"
 #include "windows/metrics/nc_metrics.h"
 
 namespace arbolet::windows {

@@ -16,7 +16,7 @@
 #include <memory>
 
 #include "popupmenu/menu_items.h"
-#include "windows/gdi_handles.h"
+#include "windows/base/gdi_handles.h"
 #include "windows/popupmenu/menu_painter.h"
 #include "windows/subclass/subclass.h"
 

@@ -5,9 +5,9 @@
 
 #include "base/vb_error.h"
 #include "vb6host/host_context.h"
+#include "windows/base/ansi_text.h"
 #include "windows/com/dispatch_names.h"
 #include "windows/com/variant.h"
-#include "windows/registry/ansi_text.h"
 
 namespace arbolet::vb6host {
 namespace {

@@ -34,7 +34,7 @@
 #include "vb6host/tool_window.h"
 #include "vb6host/tree_dump.h"
 #include "vb6host/tree_gestures.h"
-#include "windows/registry/ansi_text.h"
+#include "windows/base/ansi_text.h"
 #include "windows/screenshot/screen_capture.h"
 
 namespace arbolet::vb6host {
