@@ -5,15 +5,29 @@
 #include <atomic>
 #include <thread>
 
-#include "cli/check_baseline.h"
-#include "cli/check_report.h"
-#include "cli/check_targets.h"
+#include "check/check_baseline.h"
+#include "check/check_report.h"
+#include "check/check_targets.h"
 #include "cli/cli_context.h"
 #include "cli/commands.h"
 #include "disk/file_io.h"
 #include "disk/vb_path.h"
 
 namespace arbolet::cli {
+
+using check::Baseline;
+using check::CheckComponentFile;
+using check::CheckTarget;
+using check::CheckTargets;
+using check::CheckTotals;
+using check::CollectCheckTargets;
+using check::CountFindings;
+using check::FileResult;
+using check::Fingerprint;
+using check::RuleSet;
+using check::WriteCheckJson;
+using check::WriteCheckSarif;
+using check::WriteCheckText;
 namespace {
 
 constexpr const char* kCheckHelp = R"(Inputs:
@@ -90,7 +104,7 @@ void WriteBaseline(CliContext& context, const std::string& file,
 
 void RunCheck(CliContext& context, const CheckOptions& options) {
     const RuleSet rules = options.rules == "window" ? RuleSet::Window : RuleSet::Vb6;
-    CheckTargets targets = CollectCheckTargets(options.paths, options.exclusions, context);
+    CheckTargets targets = CollectCheckTargets(options.paths, options.exclusions, context.codePage);
     std::vector<FileResult> results = CheckAll(targets.files, context.codePage, rules);
     results.insert(results.begin(), std::move(targets.problems));
     for (auto& result : results) {

@@ -30,14 +30,6 @@ std::shared_ptr<disk::DiskEnvironment> OpenProjects(const std::vector<std::strin
     }
 }
 
-std::string ShownPath(const std::filesystem::path& file) {
-    std::error_code ec;
-    const std::filesystem::path relative =
-        file.lexically_relative(std::filesystem::current_path(ec));
-    const bool below = !ec && !relative.empty() && *relative.begin() != "..";
-    return disk::PathToUtf8((below ? relative : file).generic_u8string());
-}
-
 bool SaveChanges(CliContext& context, disk::DiskEnvironment& environment) {
     const auto changed = environment.ChangedFiles();
     try {

@@ -5,20 +5,24 @@
 #include <csignal>
 #include <set>
 
+#include "base/json_writer.h"
 #include "base/utf8.h"
 #include "cli/cli_context.h"
 #include "cli/commands.h"
 #include "cli/display_flags.h"
 #include "cli/indentation.h"
-#include "cli/json_writer.h"
 #include "cli/project_loading.h"
 #include "cli/terminal_style.h"
-#include "cli/tree_json.h"
 #include "cli/tree_watch.h"
 #include "disk/file_io.h"
 #include "explorer/node_keys.h"
+#include "explorer/tree_json.h"
 
 namespace arbolet::cli {
+
+using explorer::NotExpandedComponent;
+using explorer::WriteNotExpanded;
+using text::JsonWriter;
 namespace {
 
 struct TreeOptions {

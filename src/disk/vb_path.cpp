@@ -169,4 +169,12 @@ bool HasExtension(const fs::path& path, std::string_view lowerExtension) {
     return text::ToLower(PathToUtf8(path.extension())) == lowerExtension;
 }
 
+std::string ShownPath(const std::filesystem::path& file) {
+    std::error_code ec;
+    const std::filesystem::path relative =
+        file.lexically_relative(std::filesystem::current_path(ec));
+    const bool below = !ec && !relative.empty() && *relative.begin() != "..";
+    return PathToUtf8((below ? relative : file).generic_u8string());
+}
+
 }  // namespace arbolet::disk

@@ -60,4 +60,8 @@ std::string ShownBeside(const std::string& namingFile, std::string_view vbPath);
 // Whether the extension, lower-cased, is `lowerExtension` (with its dot).
 bool HasExtension(const std::filesystem::path& path, std::string_view lowerExtension);
 
+// How to show a file to the user: relative to the working folder when it lies below it, else in
+// full; forward slashes on every platform.
+std::string ShownPath(const std::filesystem::path& file);
+
 }  // namespace arbolet::disk

@@ -1,12 +1,12 @@
 // Reading, writing and applying check baselines (see check_baseline.h).
-#include "cli/check_baseline.h"
+#include "check/check_baseline.h"
 
 #include <nlohmann/json.hpp>
 
 #include "disk/file_io.h"
 #include "disk/vb_path.h"
 
-namespace arbolet::cli {
+namespace arbolet::check {
 namespace fs = std::filesystem;
 namespace {
 
@@ -78,4 +78,4 @@ std::size_t Baseline::Suppress(std::vector<FileResult>& results) {
     return suppressed;
 }
 
-}  // namespace arbolet::cli
+}  // namespace arbolet::check

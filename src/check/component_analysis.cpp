@@ -1,10 +1,10 @@
 // Loading and analysing one component file (see component_analysis.h).
-#include "cli/component_analysis.h"
+#include "check/component_analysis.h"
 
 #include "disk/file_io.h"
 #include "disk/vb_path.h"
 
-namespace arbolet::cli {
+namespace arbolet::check {
 
 std::optional<std::int32_t> AnalysedComponent::FileLineOf(const analysis::clsLine& line) const {
     return file.FileLineOfCodeLine(line.SourceIndex);
@@ -32,4 +32,4 @@ std::string DisplayPath(const std::filesystem::path& path) {
     return disk::PathToUtf8(path.generic_u8string());
 }
 
-}  // namespace arbolet::cli
+}  // namespace arbolet::check

@@ -1,5 +1,5 @@
 // Text, JSON and SARIF reports of `arbolet check` (see check_report.h).
-#include "cli/check_report.h"
+#include "check/check_report.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -7,7 +7,7 @@
 
 #include "disk/vb_path.h"
 
-namespace arbolet::cli {
+namespace arbolet::check {
 namespace {
 
 constexpr const char* kVersion = "0.1.0";
@@ -173,4 +173,4 @@ std::string SarifUri(const std::string& shownPath) {
     return PercentEncoded(shownPath);
 }
 
-}  // namespace arbolet::cli
+}  // namespace arbolet::check

@@ -1,16 +1,16 @@
 // Checking one component file under either rule set (see check_findings.h).
-#include "cli/check_findings.h"
+#include "check/check_findings.h"
 
 #include <algorithm>
 
 #include "analysis/colours.h"
 #include "analysis/vb6_blocks.h"
-#include "cli/component_analysis.h"
+#include "check/component_analysis.h"
 #include "disk/codepage.h"
 #include "disk/component_file.h"
 #include "disk/file_io.h"
 
-namespace arbolet::cli {
+namespace arbolet::check {
 namespace {
 
 constexpr RuleInfo kFileRules[] = {
@@ -129,27 +129,18 @@ std::string Fingerprint(std::string_view lineText) {
     return text;
 }
 
-FileResult CheckComponentFile(const std::filesystem::path& path, const std::string& shown,
-                              int codePage, RuleSet rules) {
+FileResult CheckComponentBytes(std::string_view bytes, const std::string& shown, int codePage,
+                               RuleSet rules) {
     FileResult result;
-    const analysis::DisplayOptions noOptions{};
-    AnalysedComponent component;
-    std::string bytes;
-    try {
-        bytes = disk::ReadFileBytes(path);
-    } catch (const disk::FileError& error) {
-        result.unreadable = true;
-        result.findings.push_back(MakeFinding(shown, 0, "error", kUnreadableFile, error.what()));
-        return result;
-    }
     if (rules == RuleSet::Vb6) {
         const disk::CodeLocation code = disk::LocateCode(bytes);
         AddDiagnostics(code.diagnostics, shown, result);
         AddVb6Findings(bytes, code, codePage, shown, result);
     } else {
+        AnalysedComponent component;
         disk::ComponentFile file = disk::ParseComponentFile(bytes, codePage);
         AddDiagnostics(file.diagnostics, shown, result);
-        component.tree = analysis::BuildCodeTree(file.CodeText(), noOptions);
+        component.tree = analysis::BuildCodeTree(file.CodeText(), analysis::DisplayOptions{});
         component.file = std::move(file);
         AddWindowFindings(component, shown, result);
     }
@@ -159,4 +150,18 @@ FileResult CheckComponentFile(const std::filesystem::path& path, const std::stri
     return result;
 }
 
-}  // namespace arbolet::cli
+FileResult CheckComponentFile(const std::filesystem::path& path, const std::string& shown,
+                              int codePage, RuleSet rules) {
+    std::string bytes;
+    try {
+        bytes = disk::ReadFileBytes(path);
+    } catch (const disk::FileError& error) {
+        FileResult result;
+        result.unreadable = true;
+        result.findings.push_back(MakeFinding(shown, 0, "error", kUnreadableFile, error.what()));
+        return result;
+    }
+    return CheckComponentBytes(bytes, shown, codePage, rules);
+}
+
+}  // namespace arbolet::check

@@ -8,7 +8,7 @@
 #include "analysis/code_tree.h"
 #include "disk/component_file.h"
 
-namespace arbolet::cli {
+namespace arbolet::check {
 
 struct AnalysedComponent {
     std::filesystem::path path;
@@ -28,4 +28,4 @@ AnalysedComponent AnalyseComponentFile(const std::filesystem::path& path, int co
 // The path as the user should see it: forward slashes on every platform.
 std::string DisplayPath(const std::filesystem::path& path);
 
-}  // namespace arbolet::cli
+}  // namespace arbolet::check

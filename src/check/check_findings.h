@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace arbolet::cli {
+namespace arbolet::check {
 
 struct Finding {
     std::string path;       // as shown to the user
@@ -49,6 +49,11 @@ std::vector<RuleInfo> CheckRules(RuleSet rules);
 // The fingerprint of a line's text: blanks around and inside it do not count.
 std::string Fingerprint(std::string_view lineText);
 
+// Checks the bytes of a component file as they are on disk (in its code page), such as an
+// editor's unsaved text; `shown` is the path as the user should see it.
+FileResult CheckComponentBytes(std::string_view bytes, const std::string& shown, int codePage,
+                               RuleSet rules);
+
 // Checks one component file; `shown` is the path as the user should see it.
 FileResult CheckComponentFile(const std::filesystem::path& path, const std::string& shown,
                               int codePage, RuleSet rules);
@@ -60,4 +65,4 @@ inline constexpr std::string_view kUnreadableFolder = "unreadable-folder";
 inline constexpr std::string_view kProjectFile = "project-file";
 inline constexpr std::string_view kFileFormat = "file-format";
 
-}  // namespace arbolet::cli
+}  // namespace arbolet::check

@@ -1,9 +1,9 @@
 // The tree's JSON parts that more than one writer shares.
-#include "cli/tree_json.h"
+#include "explorer/tree_json.h"
 
-namespace arbolet::cli {
+namespace arbolet::explorer {
 
-void WriteNotExpanded(JsonWriter& json, const std::vector<NotExpandedComponent>& components) {
+void WriteNotExpanded(text::JsonWriter& json, const std::vector<NotExpandedComponent>& components) {
     json.Key("notExpanded");
     json.BeginArray();
     for (const NotExpandedComponent& component : components) {
@@ -19,4 +19,4 @@ void WriteNotExpanded(JsonWriter& json, const std::vector<NotExpandedComponent>&
     json.EndArray();
 }
 
-}  // namespace arbolet::cli
+}  // namespace arbolet::explorer

@@ -9,9 +9,9 @@
 #include <tuple>
 #include <vector>
 
-#include "cli/check_findings.h"
+#include "check/check_findings.h"
 
-namespace arbolet::cli {
+namespace arbolet::check {
 
 class Baseline {
   public:
@@ -33,4 +33,4 @@ class Baseline {
     std::map<Key, std::size_t> known_;
 };
 
-}  // namespace arbolet::cli
+}  // namespace arbolet::check

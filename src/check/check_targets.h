@@ -5,11 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "cli/check_findings.h"
+#include "check/check_findings.h"
 
-namespace arbolet::cli {
-
-struct CliContext;
+namespace arbolet::check {
 
 struct CheckTarget {
     std::filesystem::path path;
@@ -26,9 +24,9 @@ struct CheckTargets {
 // Expands each path: a folder to the component files below it (recursively, in a stable order),
 // a .vbp project or .vbg group to the code components it lists, any other file to itself. A file
 // reached twice (a module shared by two projects) is checked once; paths matching an exclusion
-// glob are left out. A path that does not exist is reported on the error stream and sets the
-// usage/I-O exit status; the other paths are still checked.
+// glob are left out. A path that does not exist is an unreadable-file problem; the other paths are
+// still checked.
 CheckTargets CollectCheckTargets(const std::vector<std::string>& paths,
-                                 const std::vector<std::string>& exclusions, CliContext& context);
+                                 const std::vector<std::string>& exclusions, int codePage);
 
-}  // namespace arbolet::cli
+}  // namespace arbolet::check

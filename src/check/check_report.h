@@ -5,9 +5,9 @@
 #include <ostream>
 #include <vector>
 
-#include "cli/check_findings.h"
+#include "check/check_findings.h"
 
-namespace arbolet::cli {
+namespace arbolet::check {
 
 struct CheckTotals {
     std::size_t files = 0;
@@ -33,4 +33,4 @@ void WriteCheckSarif(std::ostream& out, const std::vector<FileResult>& results, 
 // named by a uriBaseId), absolute ones become file:// URIs. Percent-encoded.
 std::string SarifUri(const std::string& shownPath);
 
-}  // namespace arbolet::cli
+}  // namespace arbolet::check

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "cli/json_writer.h"
+#include "base/json_writer.h"
 
-namespace arbolet::cli {
+namespace arbolet::explorer {
 
 // A component asked for that stayed closed (over the line limit, or unreadable), and why.
 struct NotExpandedComponent {
@@ -17,6 +17,6 @@ struct NotExpandedComponent {
 };
 
 // Writes the "notExpanded" member: a key, then an array of {key, name, reason}.
-void WriteNotExpanded(JsonWriter& json, const std::vector<NotExpandedComponent>& components);
+void WriteNotExpanded(text::JsonWriter& json, const std::vector<NotExpandedComponent>& components);
 
-}  // namespace arbolet::cli
+}  // namespace arbolet::explorer

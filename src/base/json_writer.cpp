@@ -1,9 +1,9 @@
 // The streaming JSON writer (see json_writer.h).
-#include "cli/json_writer.h"
+#include "base/json_writer.h"
 
 #include <array>
 
-namespace arbolet::cli {
+namespace arbolet::text {
 namespace {
 
 // Length of the valid UTF-8 sequence at s[i], or 0 when the byte starts none.
@@ -125,4 +125,4 @@ void JsonWriter::Null() {
     out_ << "null";
 }
 
-}  // namespace arbolet::cli
+}  // namespace arbolet::text

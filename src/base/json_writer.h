@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace arbolet::cli {
+namespace arbolet::text {
 
 class JsonWriter {
   public:
@@ -36,4 +36,4 @@ class JsonWriter {
     bool afterKey_ = false;
 };
 
-}  // namespace arbolet::cli
+}  // namespace arbolet::text

@@ -1,26 +1,24 @@
 // Which component files a `check` covers (see check_targets.h).
-#include "cli/check_targets.h"
+#include "check/check_targets.h"
 
 #include <algorithm>
 #include <set>
 
 #include "base/utf8.h"
-#include "cli/cli_context.h"
-#include "cli/path_glob.h"
-#include "cli/project_loading.h"
+#include "check/path_glob.h"
 #include "disk/component_file.h"
 #include "disk/disk_environment.h"
 #include "disk/file_io.h"
 #include "disk/vb_path.h"
 
-namespace arbolet::cli {
+namespace arbolet::check {
 namespace fs = std::filesystem;
 namespace {
 
 class Collector {
   public:
-    Collector(const std::vector<std::string>& exclusions, CliContext& context)
-        : exclusions_(exclusions), context_(context) {}
+    Collector(const std::vector<std::string>& exclusions, int codePage)
+        : exclusions_(exclusions), codePage_(codePage) {}
 
     void Add(const std::string& text) {
         const fs::path path = disk::PathFromUtf8(text);
@@ -110,8 +108,7 @@ class Collector {
     void AddProjects(const std::string& text) {
         std::shared_ptr<disk::DiskEnvironment> environment;
         try {
-            environment =
-                disk::DiskEnvironment::Open({disk::PathFromUtf8(text)}, context_.codePage);
+            environment = disk::DiskEnvironment::Open({disk::PathFromUtf8(text)}, codePage_);
         } catch (const disk::FileError& error) {
             Problem(MakeFinding(text, 0, "error", kUnreadableFile, error.what()));
             targets_.problems.unreadable = true;
@@ -137,13 +134,13 @@ class Collector {
                     continue;
                 }
                 const fs::path file = disk::PathFromUtf8(component->FileNames(1));
-                AddFile(file, ShownPath(file));
+                AddFile(file, disk::ShownPath(file));
             }
         }
     }
 
     const std::vector<std::string>& exclusions_;
-    CliContext& context_;
+    int codePage_;
     CheckTargets targets_;
     std::set<fs::path> seen_;
 };
@@ -151,11 +148,11 @@ class Collector {
 }  // namespace
 
 CheckTargets CollectCheckTargets(const std::vector<std::string>& paths,
-                                 const std::vector<std::string>& exclusions, CliContext& context) {
-    Collector collector(exclusions, context);
+                                 const std::vector<std::string>& exclusions, int codePage) {
+    Collector collector(exclusions, codePage);
     for (const auto& path : paths)
         collector.Add(path);
     return collector.Take();
 }
 
-}  // namespace arbolet::cli
+}  // namespace arbolet::check

@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-namespace arbolet::cli {
+namespace arbolet::check {
 
 // Whether a path (with `/` between its parts) matches the pattern. A pattern without `/` is
 // matched against each part of the path, so `*.frm` or `vendor` excludes wherever it appears;
@@ -11,4 +11,4 @@ namespace arbolet::cli {
 // `legacy/**` excludes a `legacy` folder below whatever the path starts with.
 bool PathMatchesGlob(std::string_view path, std::string_view pattern);
 
-}  // namespace arbolet::cli
+}  // namespace arbolet::check

@@ -1,9 +1,9 @@
 // Glob matching of paths (see path_glob.h).
-#include "cli/path_glob.h"
+#include "check/path_glob.h"
 
 #include <vector>
 
-namespace arbolet::cli {
+namespace arbolet::check {
 namespace {
 
 bool SameChar(char a, char b) {
@@ -76,4 +76,4 @@ bool PathMatchesGlob(std::string_view path, std::string_view pattern) {
     return false;
 }
 
-}  // namespace arbolet::cli
+}  // namespace arbolet::check
