@@ -69,10 +69,6 @@ class cPopupMenu : public popupmenu::MenuItems {
     void hWndOwner(HWND hWnd);
     HIMAGELIST ImageList() const noexcept { return painter_.Style().Images; }
     void ImageList(HIMAGELIST hImageList) noexcept { painter_.Style().Images = hImageList; }
-    std::int32_t TickIconIndex() const noexcept { return painter_.Style().TickIcon; }
-    void TickIconIndex(std::int32_t lIndex) noexcept { painter_.Style().TickIcon = lIndex; }
-    std::int32_t OptionIconIndex() const noexcept { return painter_.Style().OptionIcon; }
-    void OptionIconIndex(std::int32_t lIndex) noexcept { painter_.Style().OptionIcon = lIndex; }
 
     // Shows the menu at a point of the owner window's client area given in twips, avoiding the
     // exclusion rectangle when one is given; returns the chosen item's index or 0.
