@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "main_window.h"
 #include "windows/document/document_automation.h"
@@ -14,6 +15,10 @@ namespace arbolet::explorer_app {
 inline bool DumpTree(MainWindow& window, const std::string& expand,
                      const std::filesystem::path& out, bool withSelection = false) {
     return windows::DumpDocumentTree(window.Document(), expand, out, withSelection);
+}
+
+inline std::vector<std::string> OpenComponents(MainWindow& window, const std::string& expand) {
+    return windows::OpenDocumentComponents(window.Document(), expand);
 }
 
 inline bool DumpMenu(MainWindow& window, const std::string& key, const std::filesystem::path& out,

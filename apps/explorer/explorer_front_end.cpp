@@ -10,10 +10,10 @@
 #include "disk/vb_path.h"
 #include "editor_launch.h"
 #include "explorer/node_keys.h"
+#include "windows/base/ansi_text.h"
 #include "windows/dialogs/about_box.h"
 #include "windows/dialogs/help.h"
 #include "windows/dialogs/properties_dialog.h"
-#include "windows/registry/ansi_text.h"
 
 namespace arbolet::explorer_app {
 namespace {

@@ -14,9 +14,9 @@
 
 #include "analysis/display_options.h"
 #include "automation.h"
-#include "cli/display_flags.h"
+#include "flags/display_flags.h"
 #include "main_window.h"
-#include "windows/registry/ansi_text.h"
+#include "windows/base/ansi_text.h"
 
 namespace arbolet::explorer_app {
 namespace {
@@ -68,7 +68,8 @@ std::optional<Arguments> Parse(int& status) {
     app.add_option("--dump-tree", arguments.dumpTree,
                    "Write the tree read back from the control as JSON, then exit");
     app.add_option("--expand", arguments.expand,
-                   "With --dump-tree: open these components first (all, or names with commas)");
+                   "With --dump-tree or --dump-menu: open these components first (all, or "
+                   "names with commas), so that the menu of a code line can be asked for");
     app.add_option("--dump-menu", arguments.dumpMenu,
                    "KEY OUT: open the context menu of the node with KEY as a right click would, "
                    "write it as JSON to OUT, then exit (KEY \"\": empty tree space, #background: "
@@ -82,7 +83,7 @@ std::optional<Arguments> Parse(int& status) {
                    "writes the selected key as \"selected\"");
     app.add_option("--screenshot", arguments.screenshot,
                    "Save a picture of the window as PNG after the other options, then exit");
-    cli::AddDisplayFlags(app, arguments.display);
+    flags::AddDisplayFlags(app, arguments.display);
     std::vector<std::string> raw = CommandLineArguments();
     if (!raw.empty()) raw.erase(raw.begin());
     std::reverse(raw.begin(), raw.end());
@@ -150,6 +151,10 @@ int RunAutomated(const Arguments& arguments) {
         return 2;
     }
     if (!arguments.dumpMenu.empty()) {
+        if (!arguments.expand.empty()) {
+            for (const auto& problem : OpenComponents(window, arguments.expand))
+                Report("warning: not expanded: " + problem, true);
+        }
         // With a menu, the picture is taken while it is open.
         std::string error;
         if (!DumpMenu(window, arguments.dumpMenu[0], PathOf(arguments.dumpMenu[1]),

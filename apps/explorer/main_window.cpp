@@ -10,8 +10,8 @@
 #include "disk/file_io.h"
 #include "explorer/node_keys.h"
 #include "explorer_settings.h"
+#include "windows/base/ansi_text.h"
 #include "windows/document/win32_ui.h"
-#include "windows/registry/ansi_text.h"
 
 namespace arbolet::explorer_app {
 namespace {

@@ -1,16 +1,10 @@
-// The seven display-option flags shared by the commands that print code trees.
+// The display-option flags, under the name the commands know them by.
 #pragma once
 
-#include "analysis/display_options.h"
-
-namespace CLI {
-class App;
-}
+#include "flags/display_flags.h"
 
 namespace arbolet::cli {
 
-// Adds --hide-variables, --hide-constants, --hide-compiler, --hide-enums, --hide-types,
-// --hide-section-ends and --sort-by-name; the flags write into `options`.
-void AddDisplayFlags(CLI::App& command, analysis::DisplayOptions& options);
+using flags::AddDisplayFlags;
 
 }  // namespace arbolet::cli

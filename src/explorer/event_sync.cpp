@@ -11,7 +11,10 @@ namespace arbolet::explorer {
 class ProjectExplorer::ProjectSink final : public env::VBProjectsEventsSink {
   public:
     explicit ProjectSink(ProjectExplorer& owner) : owner_(owner) {}
-    void ItemAdded(const env::VBProjectRef& project) override { owner_.ProjectAdded(*project); }
+    void ItemAdded(const env::VBProjectRef& project) override {
+        owner_.ProjectAdded(*project);
+        owner_.FollowComponents(project);
+    }
     void ItemRemoved(const env::VBProjectRef& project) override { owner_.ProjectRemoved(*project); }
     void ItemRenamed(const env::VBProjectRef& project, std::string_view oldName) override {
         owner_.ProjectRenamed(*project, oldName);
@@ -46,24 +49,60 @@ class ProjectExplorer::ComponentSink final : public env::VBComponentsEventsSink 
 
 void ProjectExplorer::DisconnectEventSources() {
     if (projEvents && projectCookie_ != 0) projEvents->Unadvise(projectCookie_);
-    if (compEvents && componentCookie_ != 0) compEvents->Unadvise(componentCookie_);
-    projectCookie_ = componentCookie_ = 0;
+    projectCookie_ = 0;
+    while (!componentEvents_.empty())
+        StopFollowing(std::move(componentEvents_.extract(componentEvents_.begin()).mapped()));
 }
 
-// Component events come for the project that is active at the time of the reload.
+// The environment raises component events per project: each open project is followed on its
+// own, so that a group's other projects and projects opened later stay current too.
 void ProjectExplorer::TakeEventSources() {
     DisconnectEventSources();
     if (!projectSink_) projectSink_ = std::make_shared<ProjectSink>(*this);
     if (!componentSink_) componentSink_ = std::make_shared<ComponentSink>(*this);
     try {
-        const auto events = vbe_->Events();
-        compEvents = events->VBComponentsEvents(vbe_->ActiveVBProject());
-        projEvents = events->VBProjectsEvents();
-        if (compEvents) componentCookie_ = compEvents->Advise(componentSink_);
+        projEvents = vbe_->Events()->VBProjectsEvents();
         if (projEvents) projectCookie_ = projEvents->Advise(projectSink_);
+        const auto projects = vbe_->VBProjects();
+        for (std::int32_t i = 1; projects && i <= projects->Count(); ++i)
+            FollowComponents(projects->Item(i));
     } catch (const std::exception&) {
         // Without event sources the tree is still built; it is just not kept current.
     }
+}
+
+void ProjectExplorer::FollowComponents(const env::VBProjectRef& project) {
+    if (!project || !vbe_ || !componentSink_) return;
+    try {
+        const std::string name = project->Name();
+        if (componentEvents_.contains(name)) return;
+        auto source = vbe_->Events()->VBComponentsEvents(project);
+        if (!source) return;
+        const auto cookie = source->Advise(componentSink_);
+        componentEvents_[name] = {std::move(source), cookie};
+    } catch (const std::exception&) {
+        // A project whose events cannot be had is shown, just not kept current.
+    }
+}
+
+void ProjectExplorer::StopFollowing(ComponentSubscription subscription) {
+    try {
+        subscription.source->Unadvise(subscription.cookie);
+    } catch (const std::exception&) {
+        // The source went with its project.
+    }
+}
+
+void ProjectExplorer::StopFollowingComponents(const std::string& projectName) {
+    const auto found = componentEvents_.find(projectName);
+    if (found == componentEvents_.end()) return;
+    StopFollowing(std::move(componentEvents_.extract(found).mapped()));
+}
+
+std::shared_ptr<env::VBComponentsEvents> ProjectExplorer::ComponentEventsOf(
+    std::string_view projectName) const {
+    const auto found = componentEvents_.find(projectName);
+    return found == componentEvents_.end() ? nullptr : found->second.source;
 }
 
 void ProjectExplorer::RemoveComponentNode(std::string_view componentName,
@@ -83,7 +122,9 @@ void ProjectExplorer::ProjectAdded(const env::VBProject& project) {
 
 void ProjectExplorer::ProjectRemoved(const env::VBProject& project) {
     try {
-        const std::string key = ProjectKey(project.Name());
+        const std::string name = project.Name();
+        StopFollowingComponents(name);
+        const std::string key = ProjectKey(name);
         if (NodeExists(key)) Nodes().Remove(key);
     } catch (const std::exception&) {
         // A project the environment can no longer name keeps its node until the next reload.
@@ -98,6 +139,17 @@ void ProjectExplorer::ProjectRenamed(const env::VBProject& project, std::string_
         // The old node is gone already.
     }
     LoadProject(project);
+    // The component events stay those of the same project, now known by its new name.
+    const auto found = componentEvents_.find(oldName);
+    if (found == componentEvents_.end()) return;
+    auto node = componentEvents_.extract(found);
+    try {
+        node.key() = project.Name();
+    } catch (const std::exception&) {
+        return StopFollowing(std::move(node.mapped()));
+    }
+    const auto inserted = componentEvents_.insert(std::move(node));
+    if (!inserted.inserted) StopFollowing(std::move(inserted.node.mapped()));
 }
 
 // Puts the component's node into the folder it belongs to, creating the folder node if needed.

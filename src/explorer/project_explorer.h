@@ -154,9 +154,12 @@ class ProjectExplorer {
     // A component's code tree was just shown below its node, built from `code`.
     std::function<void(tree::Node& component, std::string_view code)> CodeShown;
 
-    // The event sources taken at the last full reload (nullptr before it).
+    // The project event source taken at the last full reload (nullptr before it).
     std::shared_ptr<env::VBProjectsEvents> projEvents;
-    std::shared_ptr<env::VBComponentsEvents> compEvents;
+    // The component event source followed for the open project of that name; nullptr for a
+    // project not followed. Every open project is followed from the full reload on, and
+    // projects opened, closed and renamed later are followed, let go and renamed with them.
+    std::shared_ptr<env::VBComponentsEvents> ComponentEventsOf(std::string_view projectName) const;
 
   private:
     class ProjectSink;
@@ -176,6 +179,13 @@ class ProjectExplorer {
     void MarkStartProject(const std::string& projectName, tree::Node& projectNode) const;
     void TakeEventSources();
     void DisconnectEventSources();
+    struct ComponentSubscription {
+        std::shared_ptr<env::VBComponentsEvents> source;
+        env::VBComponentsEvents::Cookie cookie = 0;
+    };
+    void FollowComponents(const env::VBProjectRef& project);
+    void StopFollowingComponents(const std::string& projectName);
+    static void StopFollowing(ComponentSubscription subscription);
     std::string AskFolderName(const env::VBProject& project);
 
     env::VBComponentRef FindComponent(std::string_view componentKey) const;
@@ -208,7 +218,8 @@ class ProjectExplorer {
     std::shared_ptr<ProjectSink> projectSink_;
     std::shared_ptr<ComponentSink> componentSink_;
     env::VBProjectsEvents::Cookie projectCookie_ = 0;
-    env::VBComponentsEvents::Cookie componentCookie_ = 0;
+    // By project name, as the environment's project events name them.
+    std::map<std::string, ComponentSubscription, std::less<>> componentEvents_;
 };
 
 }  // namespace arbolet::explorer

@@ -206,11 +206,51 @@ TEST_F(ExplorerTest, RefreshRebuildsEveryProjectAndTakesTheEventSources) {
     EXPECT_EQ(Tree(), "*First\n  Modules\n    modA\nSecond\n  Empty\n");
     EXPECT_EQ(view.OpenUpdates(), 0);
     EXPECT_EQ(explorer.projEvents, vbe->Events()->VBProjectsEvents());
-    EXPECT_EQ(explorer.compEvents, vbe->Events()->VBComponentsEvents(first));
+    EXPECT_EQ(explorer.ComponentEventsOf("First"), vbe->Events()->VBComponentsEvents(first));
+    EXPECT_EQ(explorer.ComponentEventsOf("Second"), vbe->Events()->VBComponentsEvents(second));
 
     vbe->RemoveProject(first);
     explorer.RefreshProjects();
     EXPECT_EQ(Tree(), "Second\n  Empty\n");
+}
+
+// Component events of every open project reach the tree, not only the active project's: the
+// other project of a group, a project opened later, one closed and opened again, one renamed.
+TEST_F(ExplorerTest, ComponentEventsOfEveryOpenProjectReachTheTree) {
+    auto first = vbe->AddProject("First");
+    auto second = vbe->AddProject("Second");
+    first->AddComponent("modA", ComponentType::StdModule);
+    auto modB = second->AddComponent("modB", ComponentType::StdModule);
+    explorer.RefreshProjects();
+
+    second->RenameComponent(modB, "modB2");
+    second->AddComponent("clsB", ComponentType::ClassModule);
+    EXPECT_EQ(Tree(),
+              "*First\n  Modules\n    modA\nSecond\n  Class Modules\n    clsB\n  Modules\n"
+              "    modB2\n");
+
+    auto third = vbe->AddProject("Third");
+    third->AddComponent("modC", ComponentType::StdModule);
+    EXPECT_TRUE(nodes().Exists("modC~Third~"));
+
+    const auto closedSource = vbe->Events()->VBComponentsEvents(first);
+    vbe->RemoveProject(first);
+    EXPECT_EQ(closedSource->ConnectionCount(), 0u) << "a closed project is let go";
+    EXPECT_EQ(explorer.ComponentEventsOf("First"), nullptr);
+    auto reopened = vbe->AddProject("First");
+    reopened->AddComponent("modA", ComponentType::StdModule);
+    EXPECT_TRUE(nodes().Exists("modA~First~"));
+
+    vbe->RenameProject(second, "Renamed");
+    second->RemoveComponent(modB);
+    EXPECT_FALSE(nodes().Exists("modB2~Renamed~"));
+    EXPECT_TRUE(nodes().Exists("clsB~Renamed~"));
+    EXPECT_EQ(explorer.ComponentEventsOf("Second"), nullptr);
+
+    // A second reload follows each project once.
+    explorer.RefreshProjects();
+    EXPECT_EQ(vbe->Events()->VBComponentsEvents(reopened)->ConnectionCount(), 1u);
+    EXPECT_EQ(vbe->Events()->VBComponentsEvents(second)->ConnectionCount(), 1u);
 }
 
 TEST_F(ExplorerTest, WithoutEnvironmentTheTreeStaysAsItIs) {

@@ -24,7 +24,6 @@ class CommandBarClickHandler {
     void Connect(const com::Dispatch& events, const com::Dispatch& control,
                  std::function<void()> onClick);
     void Disconnect() noexcept;
-    bool IsConnected() const noexcept { return subscription_.IsAdvised(); }
 
   private:
     com::Dispatch source_;

@@ -14,6 +14,7 @@
 #include "windows/addin/tool_window_document.h"
 #include "windows/com/dispatch.h"
 #include "windows/com/extensibility.h"
+#include "windows/com/late_bound.h"
 #include "windows/com/ref_count.h"
 
 namespace arbolet::windows::addin {
@@ -23,7 +24,7 @@ inline constexpr DISPID kDispidShow = 0x60030000;
 inline constexpr DISPID kDispidHide = 0x60030001;
 inline constexpr DISPID kDispidFormDisplayed = 0x60030002;
 
-class dVisualBasic final : public com::IDTExtensibility2,
+class dVisualBasic final : public com::LateBound<com::IDTExtensibility2>,
                            public ConnectionActions,
                            private com::ModuleObject {
   public:
@@ -33,9 +34,7 @@ class dVisualBasic final : public com::IDTExtensibility2,
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) noexcept override;
     ULONG STDMETHODCALLTYPE AddRef() noexcept override { return refs_.AddRef(); }
     ULONG STDMETHODCALLTYPE Release() noexcept override;
-    // IDispatch
-    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) noexcept override;
-    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo** info) noexcept override;
+    // IDispatch (no type information: see LateBound)
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID,
                                             DISPID* ids) noexcept override;
     HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* params,

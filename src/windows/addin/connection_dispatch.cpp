@@ -95,17 +95,6 @@ HRESULT dVisualBasic::OnStartupComplete(SAFEARRAY**) noexcept {
     });
 }
 
-HRESULT dVisualBasic::GetTypeInfoCount(UINT* count) noexcept {
-    if (count == nullptr) return E_POINTER;
-    *count = 0;
-    return S_OK;
-}
-
-HRESULT dVisualBasic::GetTypeInfo(UINT, LCID, ITypeInfo** info) noexcept {
-    if (info != nullptr) *info = nullptr;
-    return TYPE_E_ELEMENTNOTFOUND;
-}
-
 HRESULT dVisualBasic::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID,
                                     DISPID* ids) noexcept {
     return com::IdsOfNames(kMembers, names, count, ids);

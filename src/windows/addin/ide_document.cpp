@@ -4,13 +4,13 @@
 #include <cstdint>
 #include <optional>
 
+#include "windows/base/ansi_text.h"
 #include "windows/dialogs/about_box.h"
 #include "windows/dialogs/properties_dialog.h"
 #include "windows/document/doc_addin.h"
 #include "windows/document/document_automation.h"
 #include "windows/ide/com_environment.h"
 #include "windows/ide/ide_front_end.h"
-#include "windows/registry/ansi_text.h"
 
 namespace arbolet::windows::addin {
 namespace {

@@ -1,7 +1,7 @@
 // Message boxes, or the handler that tests install.
 #include "windows/addin/messages.h"
 
-#include "windows/registry/ansi_text.h"
+#include "windows/base/ansi_text.h"
 
 namespace arbolet::windows::addin {
 namespace {

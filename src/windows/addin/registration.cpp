@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "windows/base/ansi_text.h"
 #include "windows/com/vbide_ids.h"
-#include "windows/registry/ansi_text.h"
 #include "windows/registry/reg_key.h"
 
 namespace arbolet::windows::addin {

@@ -8,12 +8,12 @@
 #include <vector>
 
 #include "windows/addin/module_instance.h"
+#include "windows/base/ansi_text.h"
 #include "windows/com/dispatch_names.h"
 #include "windows/com/error_info.h"
 #include "windows/com/log.h"
 #include "windows/com/variant.h"
 #include "windows/com/vbide_ids.h"
-#include "windows/registry/ansi_text.h"
 
 namespace arbolet::windows::addin {
 namespace {
@@ -320,17 +320,6 @@ HRESULT ToolWindowControl::SetObjectRects(LPCRECT position, LPCRECT) noexcept {
 }
 
 // ---- IDispatch, IOleControl ----
-
-HRESULT ToolWindowControl::GetTypeInfoCount(UINT* count) noexcept {
-    if (count == nullptr) return E_POINTER;
-    *count = 0;
-    return S_OK;
-}
-
-HRESULT ToolWindowControl::GetTypeInfo(UINT, LCID, ITypeInfo** info) noexcept {
-    if (info != nullptr) *info = nullptr;
-    return E_NOTIMPL;
-}
 
 namespace {
 

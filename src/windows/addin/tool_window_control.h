@@ -16,6 +16,7 @@
 
 #include "windows/addin/tool_window_document.h"
 #include "windows/com/com_ptr.h"
+#include "windows/com/late_bound.h"
 #include "windows/com/ref_count.h"
 
 namespace arbolet::windows::addin {
@@ -23,7 +24,7 @@ namespace arbolet::windows::addin {
 class ToolWindowControl final : public IOleObject,
                                 public IOleInPlaceObject,
                                 public IOleInPlaceActiveObject,
-                                public IDispatch,
+                                public com::LateBound<IDispatch>,
                                 public IOleControl,
                                 public IViewObject2,
                                 public IPersistStreamInit,
@@ -94,8 +95,6 @@ class ToolWindowControl final : public IOleObject,
     // IDispatch: what the IDE hands back as DocObj. For scripts and tests it offers
     // DumpTree(out, expand) and DumpMenu(key, out[, screenshot]), which write what the
     // standalone explorer's --dump-tree and --dump-menu write.
-    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) noexcept override;
-    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo** info) noexcept override;
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID,
                                             DISPID* ids) noexcept override;
     HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* params,

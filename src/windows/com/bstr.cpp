@@ -1,7 +1,7 @@
 // Bstr allocation and its UTF-8 conversions.
 #include "windows/com/bstr.h"
 
-#include "windows/registry/ansi_text.h"
+#include "windows/base/ansi_text.h"
 
 namespace arbolet::windows::com {
 

@@ -24,7 +24,6 @@ class Advised {
     // IConnectionPointContainer); drops any earlier subscription first.
     HRESULT Advise(IUnknown* source, REFIID eventsIid, IUnknown* sink) noexcept;
     void Unadvise() noexcept;
-    bool IsAdvised() const noexcept { return static_cast<bool>(point_); }
 
   private:
     ComPtr<IConnectionPoint> point_;

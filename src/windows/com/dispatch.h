@@ -32,7 +32,6 @@ class Dispatch {
     explicit Dispatch(IDispatch* object) : Dispatch(ComPtr<IDispatch>(object)) {}
 
     IDispatch* Object() const noexcept { return object_.Get(); }
-    const ComPtr<IDispatch>& Pointer() const noexcept { return object_; }
     explicit operator bool() const noexcept { return static_cast<bool>(object_); }
 
     Variant Get(const DispMember& member, std::initializer_list<Variant> args = {}) const;

@@ -7,12 +7,13 @@
 #include <functional>
 #include <vector>
 
+#include "windows/com/late_bound.h"
 #include "windows/com/ref_count.h"
 #include "windows/com/variant.h"
 
 namespace arbolet::windows::com {
 
-class EventSink final : public IDispatch, private ModuleObject {
+class EventSink final : public LateBound<>, private ModuleObject {
   public:
     using Handler = std::function<void(DISPID id, const std::vector<Variant>& args)>;
 
@@ -23,8 +24,6 @@ class EventSink final : public IDispatch, private ModuleObject {
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) noexcept override;
     ULONG STDMETHODCALLTYPE AddRef() noexcept override { return refs_.AddRef(); }
     ULONG STDMETHODCALLTYPE Release() noexcept override;
-    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) noexcept override;
-    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo** info) noexcept override;
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID,
                                             DISPID*) noexcept override {
         return DISP_E_UNKNOWNNAME;

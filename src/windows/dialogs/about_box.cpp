@@ -3,9 +3,9 @@
 // as IDOK; each closes it.
 #include "windows/dialogs/about_box.h"
 
+#include "windows/base/own_module.h"
 #include "windows/dialogs/about_picture.h"
 #include "windows/dialogs/dialog_template.h"
-#include "windows/own_module.h"
 
 namespace arbolet::windows::dialogs {
 namespace {

@@ -6,9 +6,9 @@
 #include <cmath>
 #include <string>
 
+#include "windows/base/gdi_handles.h"
 #include "windows/dialogs/product.h"
 #include "windows/dialogs/window_class.h"
-#include "windows/gdi_handles.h"
 
 namespace arbolet::windows::dialogs {
 namespace {

@@ -7,7 +7,7 @@
 
 #include <vector>
 
-#include "windows/own_module.h"
+#include "windows/base/own_module.h"
 
 namespace arbolet::windows::dialogs {
 namespace {

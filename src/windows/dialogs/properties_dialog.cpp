@@ -6,12 +6,12 @@
 #include <array>
 #include <exception>
 
+#include "windows/base/own_module.h"
 #include "windows/dialogs/code_sample.h"
 #include "windows/dialogs/dialog_template.h"
 #include "windows/dialogs/help.h"
 #include "windows/dialogs/sample_picture.h"
 #include "windows/options/settings.h"
-#include "windows/own_module.h"
 
 namespace arbolet::windows::dialogs {
 namespace {

@@ -4,9 +4,9 @@
 
 #include <vector>
 
+#include "windows/base/gdi_handles.h"
 #include "windows/dialogs/code_sample.h"
 #include "windows/dialogs/window_class.h"
-#include "windows/gdi_handles.h"
 
 namespace arbolet::windows::dialogs {
 namespace {

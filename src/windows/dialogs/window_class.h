@@ -4,7 +4,7 @@
 
 #include <windows.h>
 
-#include "windows/own_module.h"
+#include "windows/base/own_module.h"
 
 namespace arbolet::windows::dialogs {
 

@@ -8,12 +8,11 @@
 
 #include "base/utf8.h"
 #include "base/vb_error.h"
-#include "explorer/node_keys.h"
+#include "windows/base/ansi_text.h"
 #include "windows/document/node_pictures.h"
 #include "windows/document/win32_ui.h"
 #include "windows/icons/tree_icons.h"
 #include "windows/options/registry_display_options.h"
-#include "windows/registry/ansi_text.h"
 
 namespace arbolet::windows {
 namespace {
@@ -91,14 +90,6 @@ ATOM RegisterDocumentClass(WNDPROC proc) {
 bool IsProjectFile(const std::filesystem::path& file) {
     const std::string extension = text::ToLower(file.extension().string());
     return extension == ".vbp" || extension == ".vbg";
-}
-
-bool IsFolderKey(std::string_view key) {
-    return key.starts_with("Type~");
-}
-
-bool IsDraggableKey(std::string_view key) {
-    return key.ends_with('~') && !IsFolderKey(key) && !key.starts_with(explorer::kProjectKeyPrefix);
 }
 
 }  // namespace
@@ -417,10 +408,10 @@ void docAddin::OnDropFiles(HDROP drop) {
 
 void docAddin::BeginDrag(tree::Node& node) {
     if (drag_ || !explorer_) return;
-    const std::string key = node.Key();
-    if (!IsDraggableKey(key)) return;
+    // Only components go into folders, whatever their names look like.
+    if (node.Kind() != tree::NodeKind::Component) return;
     drag_ = std::make_unique<Drag>();
-    drag_->key = key;
+    drag_->key = node.Key();
     const auto& own = dynamic_cast<const TreeItemNode&>(node);
     drag_->image = TreeView_CreateDragImage(tree_->hWnd(), own.Item());
     if (drag_->image != nullptr) {
@@ -436,7 +427,9 @@ void docAddin::BeginDrag(tree::Node& node) {
 tree::NodeRef docAddin::DropTarget(POINT client) const {
     if (!drag_) return nullptr;
     const tree::NodeRef target = tree_->HitTest(client);
-    if (!target || !IsFolderKey(target->Key()) || !tree_->Exists(drag_->key)) return nullptr;
+    if (!target || target->Kind() != tree::NodeKind::Folder || !tree_->Exists(drag_->key)) {
+        return nullptr;
+    }
     const tree::NodeRef parent = tree_->Item(drag_->key)->Parent();
     return parent == target ? nullptr : target;
 }

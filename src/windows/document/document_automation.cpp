@@ -8,9 +8,8 @@
 
 #include "base/json_writer.h"
 #include "base/utf8.h"
-#include "explorer/node_keys.h"
 #include "explorer/tree_json.h"
-#include "windows/registry/ansi_text.h"
+#include "windows/base/ansi_text.h"
 #include "windows/screenshot/screen_capture.h"
 
 namespace arbolet::windows {
@@ -30,14 +29,10 @@ struct Expansion {
             if (!name.empty()) names.insert(text::ToLower(name));
         }
     }
-    // Component nodes carry the component picture and a key ending in "~" that is neither a
-    // project's nor a folder's.
-    bool Wants(const tree::Node& node, std::optional<std::int32_t> image) const {
-        const std::string key = node.Key();
-        const bool component = image == explorer::kComponentImage && key.ends_with('~') &&
-                               !key.starts_with("Type~") &&
-                               !key.starts_with(explorer::kProjectKeyPrefix);
-        return component && (all || names.contains(text::ToLower(node.Text())));
+    // The tree says which nodes are components; their names may look like anything.
+    bool Wants(const tree::Node& node) const {
+        return node.Kind() == tree::NodeKind::Component &&
+               (all || names.contains(text::ToLower(node.Text())));
     }
 };
 
@@ -130,7 +125,7 @@ void WriteTree(TreeControl& tree, explorer::ProjectExplorer* explorer, const Exp
         if (item != nullptr) {
             const tree::NodeRef node = tree.NodeOf(item);
             ItemState state = ReadItem(control, item, node.get());
-            const bool opened = node && expansion.Wants(*node, state.image);
+            const bool opened = node && expansion.Wants(*node);
             if (opened) {
                 Open(tree, explorer, *node, notExpanded);
                 item = ItemOf(tree, node->Key());
@@ -311,6 +306,37 @@ bool DumpDocumentMenu(docAddin& document, HWND window, const std::string& key,
         return false;
     }
     return true;
+}
+
+std::vector<std::string> OpenDocumentComponents(docAddin& document, const std::string& expand) {
+    TreeControl& tree = document.treMain();
+    const Expansion expansion(expand);
+    // The keys first: opening a component adds items under it, which the walk need not visit.
+    std::vector<std::string> keys;
+    const HWND control = tree.hWnd();
+    std::vector<HTREEITEM> pending;
+    for (HTREEITEM item = TreeView_GetRoot(control); item != nullptr;
+         item = TreeView_GetNextSibling(control, item))
+        pending.push_back(item);
+    while (!pending.empty()) {
+        const HTREEITEM item = pending.back();
+        pending.pop_back();
+        const tree::NodeRef node = tree.NodeOf(item);
+        if (node && expansion.Wants(*node)) keys.push_back(node->Key());
+        for (HTREEITEM child = TreeView_GetChild(control, item); child != nullptr;
+             child = TreeView_GetNextSibling(control, child))
+            pending.push_back(child);
+    }
+    std::vector<explorer::NotExpandedComponent> notExpanded;
+    for (const std::string& key : keys) {
+        if (!tree.Exists(key)) continue;
+        const tree::NodeRef node = tree.Item(key);
+        if (!node->Expanded()) Open(tree, document.Explorer(), *node, notExpanded);
+    }
+    std::vector<std::string> problems;
+    for (const auto& component : notExpanded)
+        problems.push_back(component.name + ": " + component.reason);
+    return problems;
 }
 
 bool DumpDocumentTree(docAddin& document, const std::string& expand,

@@ -8,6 +8,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "windows/document/doc_addin.h"
 #include "windows/screenshot/screen_capture.h"
@@ -21,6 +22,11 @@ namespace arbolet::windows {
 // (null when none is). False when the file cannot be written.
 bool DumpDocumentTree(docAddin& document, const std::string& expand,
                       const std::filesystem::path& out, bool withSelection = false);
+
+// Opens the components `expand` names (as DumpDocumentTree reads it) and leaves them open, so
+// that their code lines can be asked for next. Returns what could not be opened and why, as
+// "NAME: message" lines.
+std::vector<std::string> OpenDocumentComponents(docAddin& document, const std::string& expand);
 
 // Opens the context menu of the node with `key` ("" for empty tree space, "#background" for the
 // document's background) as a right click there does, reads the real menu while it is open

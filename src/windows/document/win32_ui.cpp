@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "windows/registry/ansi_text.h"
+#include "windows/base/ansi_text.h"
 
 namespace arbolet::windows {
 namespace {

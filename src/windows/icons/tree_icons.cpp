@@ -4,9 +4,9 @@
 #include <array>
 #include <vector>
 
-#include "windows/gdi_handles.h"
+#include "windows/base/gdi_handles.h"
+#include "windows/base/own_module.h"
 #include "windows/icons/icon_sheet.h"
-#include "windows/own_module.h"
 
 namespace arbolet::windows::icons {
 namespace {

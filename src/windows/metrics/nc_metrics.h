@@ -8,7 +8,7 @@
 #include <array>
 #include <cstdint>
 
-#include "windows/gdi_handles.h"
+#include "windows/base/gdi_handles.h"
 
 namespace arbolet::windows {
 

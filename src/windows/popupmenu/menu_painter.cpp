@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <string>
 
-#include "windows/registry/ansi_text.h"
+#include "windows/base/ansi_text.h"
 
 namespace arbolet::windows {
 namespace {
@@ -120,14 +120,7 @@ void MenuPainter::Draw(HDC hdc, const RECT& rcItem, const popupmenu::MenuItem& i
 }
 
 void MenuPainter::DrawBackground(HDC hdc, const RECT& rc) const {
-    if (style_.Background == nullptr) {
-        FillRect(hdc, &rc, GetSysColorBrush(COLOR_MENU));
-        return;
-    }
-    // Tiles line up across items because the brush starts at the menu's corner.
-    const OwnedBrush pattern(CreatePatternBrush(style_.Background));
-    SetBrushOrgEx(hdc, 0, 0, nullptr);
-    FillRect(hdc, &rc, pattern.get());
+    FillRect(hdc, &rc, GetSysColorBrush(COLOR_MENU));
 }
 
 void MenuPainter::DrawSeparator(HDC hdc, const RECT& rc) const {

@@ -10,7 +10,7 @@
 #include <cstdint>
 
 #include "popupmenu/menu_items.h"
-#include "windows/gdi_handles.h"
+#include "windows/base/gdi_handles.h"
 #include "windows/metrics/nc_metrics.h"
 
 namespace arbolet::windows {
@@ -23,7 +23,6 @@ enum ECNMHeaderStyle : std::int32_t {
 // The menu-wide settings the drawing follows.
 struct MenuStyle {
     HIMAGELIST Images = nullptr;
-    HBITMAP Background = nullptr;
     std::int32_t TickIcon = -1;    // image replacing the check mark; -1 for the drawn mark
     std::int32_t OptionIcon = -1;  // image replacing the radio mark; -1 for the drawn mark
     bool GradientHighlight = false;

@@ -6,7 +6,7 @@
 #include <cwctype>
 #include <memory>
 
-#include "windows/registry/ansi_text.h"
+#include "windows/base/ansi_text.h"
 
 namespace arbolet::windows {
 namespace {

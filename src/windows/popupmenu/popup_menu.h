@@ -16,7 +16,7 @@
 #include <memory>
 
 #include "popupmenu/menu_items.h"
-#include "windows/gdi_handles.h"
+#include "windows/base/gdi_handles.h"
 #include "windows/popupmenu/menu_painter.h"
 #include "windows/subclass/subclass.h"
 
@@ -49,10 +49,6 @@ class cPopupMenu : public popupmenu::MenuItems {
     std::function<void(std::int32_t lMenuIndex, std::int32_t& lWidth, std::int32_t& lHeight)>
         MeasureItem;
 
-    // A picture tiled behind the items; the caller keeps owning the bitmap.
-    void BackgroundPicture(HBITMAP hBitmap) noexcept { painter_.Style().Background = hBitmap; }
-    void ClearBackgroundPicture() noexcept { painter_.Style().Background = nullptr; }
-
     // The menu ID of an item, or for an item with a sub-menu that menu's handle.
     std::intptr_t IDForItem(std::int32_t lIndex);
 
@@ -73,10 +69,6 @@ class cPopupMenu : public popupmenu::MenuItems {
     void hWndOwner(HWND hWnd);
     HIMAGELIST ImageList() const noexcept { return painter_.Style().Images; }
     void ImageList(HIMAGELIST hImageList) noexcept { painter_.Style().Images = hImageList; }
-    std::int32_t TickIconIndex() const noexcept { return painter_.Style().TickIcon; }
-    void TickIconIndex(std::int32_t lIndex) noexcept { painter_.Style().TickIcon = lIndex; }
-    std::int32_t OptionIconIndex() const noexcept { return painter_.Style().OptionIcon; }
-    void OptionIconIndex(std::int32_t lIndex) noexcept { painter_.Style().OptionIcon = lIndex; }
 
     // Shows the menu at a point of the owner window's client area given in twips, avoiding the
     // exclusion rectangle when one is given; returns the chosen item's index or 0.

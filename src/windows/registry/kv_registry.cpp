@@ -7,8 +7,8 @@
 #include <functional>
 
 #include "base/vb_error.h"
-#include "windows/registry/ansi_text.h"
-#include "windows/registry/module_name.h"
+#include "windows/base/ansi_text.h"
+#include "windows/base/module_name.h"
 #include "windows/registry/reg_key.h"
 
 namespace arbolet::windows {

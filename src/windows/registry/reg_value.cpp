@@ -6,8 +6,8 @@
 #include <string_view>
 
 #include "base/vb_error.h"
-#include "windows/registry/ansi_text.h"
-#include "windows/registry/module_name.h"
+#include "windows/base/ansi_text.h"
+#include "windows/base/module_name.h"
 
 namespace arbolet::windows {
 namespace {

@@ -21,7 +21,6 @@ class RegValue {
 
     bool IsEmpty() const noexcept { return std::holds_alternative<std::monostate>(value_); }
     bool IsInteger() const noexcept { return std::holds_alternative<std::int16_t>(value_); }
-    bool IsLong() const noexcept { return std::holds_alternative<std::int32_t>(value_); }
     bool IsText() const noexcept { return std::holds_alternative<std::string>(value_); }
     bool IsByteArray() const noexcept { return std::holds_alternative<ByteArray>(value_); }
 

@@ -1,7 +1,7 @@
 // Screen capture through a DIB section, so the pixels come back in a known layout.
 #include "windows/screenshot/screen_capture.h"
 
-#include "windows/gdi_handles.h"
+#include "windows/base/gdi_handles.h"
 
 namespace arbolet::windows {
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "base/vb_error.h"
-#include "windows/registry/module_name.h"
+#include "windows/base/module_name.h"
 
 namespace arbolet::windows {
 

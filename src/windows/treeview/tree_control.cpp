@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "base/vb_error.h"
-#include "windows/registry/ansi_text.h"
+#include "windows/base/ansi_text.h"
 
 namespace arbolet::windows {
 namespace {
@@ -84,15 +84,6 @@ std::string TreeItemNode::Text() const {
     return text_;
 }
 
-void TreeItemNode::SetText(std::string_view text) {
-    Owner();
-    std::wstring wide = Utf8ToWide(text);
-    TVITEMW item{};
-    item.pszText = wide.data();
-    SetItem(TVIF_TEXT, item);
-    text_ = text;
-}
-
 bool TreeItemNode::Bold() const {
     Owner();
     return bold_;
@@ -112,12 +103,6 @@ void TreeItemNode::SetBold(bool bold) {
 std::optional<std::int32_t> TreeItemNode::Image() const {
     Owner();
     return image_;
-}
-
-void TreeItemNode::SetImage(std::optional<std::int32_t> image) {
-    TreeControl& owner = Owner();
-    image_ = image;
-    owner.ShowPicture(*this);
 }
 
 std::int32_t TreeItemNode::ForeColor() const {
@@ -206,14 +191,6 @@ tree::NodeRef TreeItemNode::Next() const {
 tree::NodeRef TreeItemNode::Previous() const {
     Owner();
     return Ref(previous_);
-}
-
-tree::NodeRef TreeItemNode::Root() const {
-    Owner();
-    const TreeItemNode* node = this;
-    while (node->parent_ != nullptr)
-        node = node->parent_;
-    return Ref(const_cast<TreeItemNode*>(node));
 }
 
 std::int32_t TreeItemNode::Children() const {

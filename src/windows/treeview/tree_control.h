@@ -32,12 +32,10 @@ class TreeItemNode final : public tree::Node, public std::enable_shared_from_thi
     std::string Key() const override;
     tree::NodeKind Kind() const override;
     std::string Text() const override;
-    void SetText(std::string_view text);
     bool Bold() const override;
     void SetBold(bool bold) override;
     // The same picture shows whether the item is selected or not.
     std::optional<std::int32_t> Image() const override;
-    void SetImage(std::optional<std::int32_t> image);
     std::int32_t ForeColor() const override;
     void SetForeColor(std::int32_t colour) override;
     std::string Tag() const override;
@@ -53,8 +51,6 @@ class TreeItemNode final : public tree::Node, public std::enable_shared_from_thi
     tree::NodeRef Child() const override;
     tree::NodeRef Next() const override;
     tree::NodeRef Previous() const override;
-    // The top-level ancestor, or the node itself.
-    tree::NodeRef Root() const;
     std::int32_t Children() const override;
 
     HTREEITEM Item() const { return item_; }

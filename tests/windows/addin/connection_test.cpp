@@ -10,7 +10,9 @@
 
 #include "addin/fake_vbe.h"
 #include "windows/addin/messages.h"
+#include "windows/addin/tool_window_control.h"
 #include "windows/com/class_factory.h"
+#include "windows/com/event_sink.h"
 #include "windows/com/vbide_ids.h"
 #include "windows/options/settings.h"
 
@@ -194,6 +196,28 @@ TEST_F(ConnectionTest, LateBoundCallersReachTheConnectionEventsAndShowAndHide) {
     EXPECT_EQ(
         connection_->Invoke(id, IID_NULL, 0, DISPATCH_METHOD, &tooFew, nullptr, nullptr, nullptr),
         DISP_E_BADPARAMCOUNT);
+}
+
+// The connection object, the tool-window control and the event sinks are only ever bound late:
+// asked for type information they all give the same answer, none, and never a stale pointer.
+TEST(ConnectionObject, TheLateBoundObjectsAllAnswerThatTheyHaveNoTypeInformation) {
+    std::vector<ComPtr<IDispatch>> objects(2);
+    ASSERT_EQ(com::CreateAndQuery<dVisualBasic>(IID_IDispatch, objects[0].PutVoid()), S_OK);
+    ASSERT_EQ(com::CreateAndQuery<ToolWindowControl>(IID_IDispatch, objects[1].PutVoid()), S_OK);
+    const ComPtr<com::EventSink> sink = com::EventSink::Create(IID_IDispatch, nullptr);
+    objects.emplace_back(static_cast<IDispatch*>(sink.Get()));
+    for (std::size_t i = 0; i < objects.size(); ++i) {
+        SCOPED_TRACE(i);
+        ASSERT_TRUE(objects[i]);
+        UINT count = 7;
+        EXPECT_EQ(objects[i]->GetTypeInfoCount(&count), S_OK);
+        EXPECT_EQ(count, 0u);
+        EXPECT_EQ(objects[i]->GetTypeInfoCount(nullptr), E_POINTER);
+        auto* info = reinterpret_cast<ITypeInfo*>(0x1234);
+        EXPECT_EQ(objects[i]->GetTypeInfo(0, LOCALE_USER_DEFAULT, &info), DISP_E_BADINDEX);
+        EXPECT_EQ(info, nullptr);
+        EXPECT_EQ(objects[i]->GetTypeInfo(0, LOCALE_USER_DEFAULT, nullptr), E_POINTER);
+    }
 }
 
 TEST(ConnectionObject, LeavesNoObjectBehindAfterAFullCycle) {

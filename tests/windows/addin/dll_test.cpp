@@ -8,10 +8,10 @@
 
 #include "addin/addin_dll.h"
 #include "raw_registry.h"
+#include "windows/base/ansi_text.h"
 #include "windows/com/com_ptr.h"
 #include "windows/com/extensibility.h"
 #include "windows/com/vbide_ids.h"
-#include "windows/registry/ansi_text.h"
 
 namespace arbolet::windows {
 namespace {

@@ -73,6 +73,25 @@ TEST_F(ExplorerEditingTest, DraggingAComponentOntoAFolderMovesItThere) {
               std::string::npos);
 }
 
+// The module's key begins like a project node's; it is a component and goes into the folder.
+TEST_F(ExplorerEditingTest, AModuleNamedProjectCanBeDraggedOntoAFolder) {
+    AddModuleNamedProject();
+    Open(true);
+    ASSERT_TRUE(windows::testing::Activate(window_->hWnd()));
+    const std::string source = "Project~Inventory~";
+    const std::string target = "Type~Archive~Inventory";
+    ASSERT_TRUE(Tree().Exists(source));
+    Tree().Item(source)->EnsureVisible();
+    windows::testing::PumpMessages();
+    windows::testing::DragMouse(Centre(ScreenRect(source)), Centre(ScreenRect(target)));
+    windows::testing::PumpMessagesFor(300);
+
+    ASSERT_TRUE(Tree().Exists(source));
+    EXPECT_EQ(Tree().Item(source)->Parent()->Key(), target);
+    EXPECT_NE(Read("Project.bas").find("Attribute VB_Ext_KEY = \"QX-TypeName\" ,\"Archive\""),
+              std::string::npos);
+}
+
 TEST_F(ExplorerEditingTest, AFileDroppedOnTheProjectIsAddedToIt) {
     Open(true);
     folder_.Write("modExtra.bas", "Attribute VB_Name = \"modExtra\"\r\nOption Explicit\r\n");

@@ -14,7 +14,7 @@
 #include "explorer/node_keys.h"
 #include "explorer_settings.h"
 #include "raw_registry.h"
-#include "windows/registry/ansi_text.h"
+#include "windows/base/ansi_text.h"
 
 namespace arbolet::explorer_app::testing {
 namespace {

@@ -40,6 +40,21 @@ TEST_F(ExplorerTreeTest, TheControlReadBackEqualsTheCommandLineTree) {
     EXPECT_FALSE(Tree().Item("modLegacy~Inventory~")->Expanded());
 }
 
+// Whether a node is a component comes from the tree, not from its key: a module named Project
+// has a key that begins like a project's, and is opened and read back all the same.
+TEST_F(ExplorerTreeTest, AModuleNamedProjectIsReadBackOpenLikeAnyComponent) {
+    AddModuleNamedProject();
+    Open();
+    const std::filesystem::path out = folder_ / "dump.json";
+    ASSERT_TRUE(DumpTree(*window_, "all", out));
+    const auto cli = cli::testing::Arbolet(
+        {"tree", "--format", "json", "--expand", "all", ProjectFile().string()});
+    ASSERT_EQ(cli.status, 0) << cli.err;
+    EXPECT_EQ(ReadAll(out), cli.out);
+    EXPECT_NE(ReadAll(out).find("SProject~Inventory~@"), std::string::npos)
+        << "the module's code lines";
+}
+
 TEST_F(ExplorerTreeTest, ExpandingAComponentShowsItsErrorNodesInRed) {
     Open(true);
     Press("modLegacy~Inventory~", VK_RIGHT);

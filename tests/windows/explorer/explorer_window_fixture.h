@@ -51,6 +51,21 @@ class ExplorerWindowTest : public ::testing::Test {
         windows::testing::PumpMessages();
     }
 
+    // Adds a standard module named "Project" (with one procedure) to the copied project: its
+    // node key begins like a project node's.
+    void AddModuleNamedProject() {
+        folder_.Write("Project.bas",
+                      "Attribute VB_Name = \"Project\"\r\nOption Explicit\r\n"
+                      "Public Sub Main()\r\n    If True Then\r\n    End If\r\n"
+                      "End Sub\r\n");
+        std::string project = Read("Inventory.vbp");
+        const std::string after = "Module=modLegacy; modLegacy.bas\r\n";
+        const std::size_t at = project.find(after);
+        ASSERT_NE(at, std::string::npos);
+        project.insert(at + after.size(), "Module=Project; Project.bas\r\n");
+        folder_.Write("Inventory.vbp", project);
+    }
+
     std::filesystem::path ProjectFile() const { return folder_ / "Inventory.vbp"; }
     std::string Read(const std::string& file) const { return folder_.Read(file); }
 

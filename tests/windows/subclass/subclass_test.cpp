@@ -10,7 +10,7 @@
 
 #include "base/vb_error.h"
 #include "support/test_window.h"
-#include "windows/registry/module_name.h"
+#include "windows/base/module_name.h"
 
 namespace arbolet::windows {
 namespace {

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <string>
 
-#include "windows/gdi_handles.h"
+#include "windows/base/gdi_handles.h"
 
 namespace arbolet::windows::testing {
 namespace {

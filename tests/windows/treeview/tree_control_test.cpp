@@ -12,7 +12,7 @@
 
 #include "base/vb_error.h"
 #include "support/test_window.h"
-#include "windows/registry/ansi_text.h"
+#include "windows/base/ansi_text.h"
 
 namespace arbolet::windows {
 namespace {

@@ -1,7 +1,8 @@
 # Runs vb6host with --dump-tree and the command-line tool's `tree --format json` on the same
 # project, and fails unless the tool window's tree has the same nodes: the same texts with the
 # same children, in the same order. Called with -D: VB6HOST and ARBOLET (commands, as lists),
-# PROJECT, DUMP (the file vb6host writes), EXPAND (optional, one component's name), and
+# PROJECT, DUMP (the file vb6host writes), WINE (the command that runs a program of the prefix),
+# EXPAND (optional, one component's name), and
 # EXPECT (texts that must be in the tree, as a list), SCREENSHOT (optional, a PNG of the IDE with
 # the tree as dumped), HOST_OPTIONS (optional, more vb6host options, as a list) and HOST_EXPECT
 # (optional, a text vb6host must print).
@@ -16,6 +17,13 @@ if(SCREENSHOT)
     set(screenshotArguments --screenshot ${SCREENSHOT})
 endif()
 file(REMOVE ${DUMP})
+# The first read of a display option that was never written answers its default and stores a
+# value that later reads take for "shown": whatever another test of the prefix read before, the
+# add-in starts here from no options at all.
+if(WINE)
+    execute_process(COMMAND ${WINE} reg delete "HKEY_CLASSES_ROOT\\Quorlin.Arbolet\\DisplayOptions" /f
+                    OUTPUT_QUIET ERROR_QUIET)
+endif()
 execute_process(COMMAND ${VB6HOST} --connect-mode 1 ${HOST_OPTIONS} --dump-tree ${DUMP}
                         ${expandArguments} ${screenshotArguments} ${PROJECT}
                 OUTPUT_VARIABLE hostOutput ERROR_VARIABLE hostOutput)

@@ -274,17 +274,6 @@ HRESULT ControlSite::ShowPropertyFrame() noexcept {
 
 // ---- ambient properties ----
 
-HRESULT ControlSite::GetTypeInfoCount(UINT* count) noexcept {
-    if (count == nullptr) return E_POINTER;
-    *count = 0;
-    return S_OK;
-}
-
-HRESULT ControlSite::GetTypeInfo(UINT, LCID, ITypeInfo** info) noexcept {
-    if (info != nullptr) *info = nullptr;
-    return DISP_E_BADINDEX;
-}
-
 HRESULT ControlSite::GetIDsOfNames(REFIID, LPOLESTR*, UINT count, LCID, DISPID* ids) noexcept {
     for (UINT i = 0; ids != nullptr && i < count; ++i)
         ids[i] = DISPID_UNKNOWN;

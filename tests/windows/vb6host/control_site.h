@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "windows/com/late_bound.h"
+
 namespace arbolet::vb6host {
 
 class ToolWindow;
@@ -18,7 +20,7 @@ class ControlSite final : public IOleClientSite,
                           public IOleInPlaceSite,
                           public IOleInPlaceFrame,
                           public IOleControlSite,
-                          public IDispatch {
+                          public windows::com::LateBound<IDispatch> {
   public:
     ControlSite(ToolWindow& window, HWND frameWindow) : window_(&window), frame_(frameWindow) {}
     // The tool window is going; calls that arrive later find no window.
@@ -77,8 +79,6 @@ class ControlSite final : public IOleClientSite,
     HRESULT STDMETHODCALLTYPE OnFocus(BOOL gotFocus) noexcept override;
     HRESULT STDMETHODCALLTYPE ShowPropertyFrame() noexcept override;
     // IDispatch: the ambient properties
-    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) noexcept override;
-    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo** info) noexcept override;
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID,
                                             DISPID*) noexcept override;
     HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS*,

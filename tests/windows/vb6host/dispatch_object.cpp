@@ -5,9 +5,9 @@
 
 #include "base/vb_error.h"
 #include "vb6host/host_context.h"
+#include "windows/base/ansi_text.h"
 #include "windows/com/dispatch_names.h"
 #include "windows/com/variant.h"
-#include "windows/registry/ansi_text.h"
 
 namespace arbolet::vb6host {
 namespace {
@@ -197,18 +197,6 @@ ULONG DispatchObject::Release() noexcept {
     const LONG left = InterlockedDecrement(&references_);
     if (left == 0) delete this;
     return static_cast<ULONG>(left);
-}
-
-// No type information: every caller here binds late, by name, as the IDE's own callers may.
-HRESULT DispatchObject::GetTypeInfoCount(UINT* count) noexcept {
-    if (count == nullptr) return E_POINTER;
-    *count = 0;
-    return S_OK;
-}
-
-HRESULT DispatchObject::GetTypeInfo(UINT, LCID, ITypeInfo** info) noexcept {
-    if (info != nullptr) *info = nullptr;
-    return DISP_E_BADINDEX;
 }
 
 HRESULT DispatchObject::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID,

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "windows/com/com_ptr.h"
+#include "windows/com/late_bound.h"
 #include "windows/com/vbide_ids.h"
 
 namespace arbolet::vb6host {
@@ -91,7 +92,7 @@ struct Call {
 inline constexpr IID kIidHostObject = {
     0x5f0c4a3e, 0x7d1b, 0x4b9e, {0x9a, 0x57, 0x0b, 0x3f, 0x6c, 0x2d, 0x8e, 0x11}};
 
-class DispatchObject : public IDispatch {
+class DispatchObject : public windows::com::LateBound<> {
   public:
     DispatchObject(const DispatchObject&) = delete;
     DispatchObject& operator=(const DispatchObject&) = delete;
@@ -100,9 +101,6 @@ class DispatchObject : public IDispatch {
     ULONG STDMETHODCALLTYPE AddRef() noexcept override;
     ULONG STDMETHODCALLTYPE Release() noexcept override;
 
-    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) noexcept override;
-    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID lcid,
-                                          ITypeInfo** info) noexcept override;
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID lcid,
                                             DISPID* ids) noexcept override;
     HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID iid, LCID lcid, WORD flags,

@@ -1,8 +1,8 @@
 // DocObj's dump members, called late-bound as a script in the IDE would call them.
 #include "vb6host/document_dumps.h"
 
+#include "windows/base/ansi_text.h"
 #include "windows/com/dispatch.h"
-#include "windows/registry/ansi_text.h"
 
 namespace arbolet::vb6host {
 namespace {

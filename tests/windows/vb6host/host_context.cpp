@@ -5,7 +5,7 @@
 #include "vb6host/event_objects.h"
 #include "vb6host/ide_objects.h"
 #include "vb6host/tool_window.h"
-#include "windows/registry/ansi_text.h"
+#include "windows/base/ansi_text.h"
 
 namespace arbolet::vb6host {
 

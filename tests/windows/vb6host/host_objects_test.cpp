@@ -5,8 +5,8 @@
 #include "base/vb_error.h"
 #include "disk/file_io.h"
 #include "vb6host/host_fixture.h"
+#include "windows/base/ansi_text.h"
 #include "windows/com/connection_point.h"
-#include "windows/registry/ansi_text.h"
 
 namespace arbolet::vb6host::testing {
 namespace {

@@ -12,7 +12,7 @@
 #include "vb6host/ide_commands.h"
 #include "vb6host/tool_window.h"
 #include "vb6host/vbide_ids.h"
-#include "windows/registry/ansi_text.h"
+#include "windows/base/ansi_text.h"
 
 namespace arbolet::vb6host {
 

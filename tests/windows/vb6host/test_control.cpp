@@ -5,6 +5,7 @@
 #include <ole2.h>
 
 #include "windows/com/com_ptr.h"
+#include "windows/com/late_bound.h"
 
 namespace arbolet::vb6host::testing {
 namespace {
@@ -26,7 +27,7 @@ void Log(const char* call) {
 class TestControl final : public IOleObject,
                           public IOleInPlaceObject,
                           public IPersistStreamInit,
-                          public IDispatch {
+                          public windows::com::LateBound<IDispatch> {
   public:
     TestControl() { ++gLive; }
 
@@ -176,13 +177,6 @@ class TestControl final : public IOleObject,
     }
 
     // IDispatch: what DocObj hands the add-in; no members are needed here.
-    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) noexcept override {
-        *count = 0;
-        return S_OK;
-    }
-    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) noexcept override {
-        return DISP_E_BADINDEX;
-    }
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID,
                                             DISPID*) noexcept override {
         return DISP_E_UNKNOWNNAME;

@@ -5,7 +5,7 @@
 #include <fstream>
 
 #include "vb6host/dispatch_object.h"
-#include "windows/registry/ansi_text.h"
+#include "windows/base/ansi_text.h"
 
 namespace arbolet::vb6host {
 namespace {

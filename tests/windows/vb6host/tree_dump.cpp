@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <functional>
 
-#include "windows/registry/ansi_text.h"
+#include "windows/base/ansi_text.h"
 
 namespace arbolet::vb6host {
 namespace {

@@ -12,7 +12,7 @@
 #include "vb6host/host_context.h"
 #include "vb6host/step_report.h"
 #include "vb6host/tree_dump.h"
-#include "windows/registry/ansi_text.h"
+#include "windows/base/ansi_text.h"
 #include "windows/screenshot/screen_capture.h"
 
 namespace arbolet::vb6host {

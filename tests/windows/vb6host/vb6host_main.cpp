@@ -2,8 +2,8 @@
 // would, over the projects on the command line, and says what worked.
 //
 //   vb6host.exe [--connect-mode 0|1|2] [--transcript OUT.txt] [--dump-tree OUT.json
-//               [--expand all|NAME,...]] [--dump-menu KEY OUT.json] [--screenshot OUT.png]
-//               [--locate COMPONENT:LINE KEY] [--cycles N] [--scenario]
+//               [--locate COMPONENT:LINE KEY]] [--dump-menu KEY OUT.json]
+//               [--expand all|NAME,...] [--screenshot OUT.png] [--cycles N] [--scenario]
 //               [--dll PATH] PROJECT.vbp|GROUP.vbg...
 //
 //   vb6host.exe --installed PROGID [--hold NAME] [the options above but --dll] PROJECT...
@@ -35,7 +35,7 @@
 #include "vb6host/tool_window.h"
 #include "vb6host/tree_dump.h"
 #include "vb6host/tree_gestures.h"
-#include "windows/registry/ansi_text.h"
+#include "windows/base/ansi_text.h"
 #include "windows/screenshot/screen_capture.h"
 
 namespace arbolet::vb6host {
@@ -100,7 +100,8 @@ bool Parse(int argc, wchar_t** argv, Options& options) {
             options.projects.push_back(arg);
         }
     }
-    return !options.projects.empty() && (options.expand.empty() || !options.dumpTree.empty()) &&
+    return !options.projects.empty() &&
+           (options.expand.empty() || !options.dumpTree.empty() || !options.dumpMenu.empty()) &&
            (options.locate.empty() || !options.dumpTree.empty()) &&
            (options.installed.empty() || options.dll.empty()) &&
            (options.hold.empty() || !options.installed.empty());
@@ -207,6 +208,26 @@ void ShowAndHide(Session& session, AddInConnection& connection, Report& report) 
 
 // Adds and removes a component and a project through the IDE's own commands, so that the
 // add-in receives the events, and checks that the tree follows each change.
+// Project > Add Module, then Project > Remove, on the active project: the tree must show the
+// new module and then lose it, which only the project's component events tell the add-in.
+void AddAndRemoveAModule(Session& session, HWND tree, const std::string& when, Report& report) {
+    HostContext& context = *session.context;
+    const auto project = context.Environment().ActiveVBProject();
+    if (!report.Check(project != nullptr, "a project is active " + when)) return;
+    const CommandBarRef menu = context.Bars().FindBar(L"Project");
+    const int before = project->VBComponents()->Count();
+    report.Check(session.main->ChooseMenuItem(menu->controls->FindByCaption(L"Add Module")) &&
+                     project->VBComponents()->Count() == before + 1,
+                 "Project > Add Module adds a module " + when);
+    const auto added = context.SelectedComponent();
+    const std::wstring addedName = added ? windows::Utf8ToWide(added->Name()) : std::wstring();
+    report.Check(added && HasNodeText(tree, addedName), "the tree shows the new module " + when);
+    report.Check(session.main->ChooseMenuItem(menu->controls->FindByCaption(L"Remove")) &&
+                     project->VBComponents()->Count() == before,
+                 "Project > Remove removes it again " + when);
+    report.Check(added && !HasNodeText(tree, addedName), "the tree no longer shows it " + when);
+}
+
 void ChangeProjects(Session& session, Report& report) {
     HostContext& context = *session.context;
     disk::DiskEnvironment& environment = context.Environment();
@@ -218,18 +239,7 @@ void ChangeProjects(Session& session, Report& report) {
     if (!report.Check(project != nullptr, "a project is active")) return;
     report.Check(HasNodeText(tree, windows::Utf8ToWide(project->Name())),
                  "the tree shows the project " + project->Name());
-    const CommandBarRef menu = context.Bars().FindBar(L"Project");
-    const int before = project->VBComponents()->Count();
-    report.Check(session.main->ChooseMenuItem(menu->controls->FindByCaption(L"Add Module")) &&
-                     project->VBComponents()->Count() == before + 1,
-                 "Project > Add Module adds a module");
-    const auto added = context.SelectedComponent();
-    const std::wstring addedName = added ? windows::Utf8ToWide(added->Name()) : std::wstring();
-    report.Check(added && HasNodeText(tree, addedName), "the tree shows the new module");
-    report.Check(session.main->ChooseMenuItem(menu->controls->FindByCaption(L"Remove")) &&
-                     project->VBComponents()->Count() == before,
-                 "Project > Remove removes it again");
-    report.Check(added && !HasNodeText(tree, addedName), "the tree no longer shows it");
+    AddAndRemoveAModule(session, tree, "(as loaded)", report);
     const std::string file = project->FileName();
     const std::string name = project->Name();
     try {
@@ -241,6 +251,8 @@ void ChangeProjects(Session& session, Report& report) {
             environment.VBProjects()->Item(environment.VBProjects()->Count()));
         report.Check(HasNodeText(tree, windows::Utf8ToWide(name)),
                      "opening " + name + " again puts it back");
+        // The project opened again is followed as well, without a reload in between.
+        AddAndRemoveAModule(session, tree, "(opened again)", report);
     } catch (const std::exception& error) {
         report.Check(false, std::string("removing and adding the project: ") + error.what());
     }
@@ -268,19 +280,25 @@ void UseTheTree(Session& session, const Options& options, Report& report) {
     DragOntoFolder(scene, L"clsWarehouse", L"Archive");
 }
 
-// The tree through the tool window's DocObj, in the standalone explorer's schema, after the
-// nodes --expand names were opened with the keyboard as a user opens them.
+// Opens the nodes --expand names with the keyboard, as a user opens them, before the tree or a
+// menu is dumped; they stay open for the picture.
+void ExpandAsked(Session& session, const Options& options, Report& report) {
+    const auto window = TheToolWindow(*session.context);
+    HWND tree = window ? FindTreeView(window->Client()) : nullptr;
+    if (!report.Check(tree != nullptr, "the tool window holds a tree view")) return;
+    const bool all = options.expand == L"all";
+    const int opened =
+        ExpandNodes(tree, all ? std::vector<std::wstring>{} : SplitNames(options.expand), all);
+    report.Check(all || opened > 0, "opened " + std::to_string(opened) + " nodes");
+    Pump(50);
+}
+
+// The tree through the tool window's DocObj, in the standalone explorer's schema; the dump
+// itself opens nothing.
 void DumpTree(Session& session, const Options& options, Report& report) {
     const auto window = TheToolWindow(*session.context);
     HWND tree = window ? FindTreeView(window->Client()) : nullptr;
     if (!report.Check(tree != nullptr, "the tool window holds a tree view")) return;
-    if (!options.expand.empty()) {
-        const bool all = options.expand == L"all";
-        const int opened =
-            ExpandNodes(tree, all ? std::vector<std::wstring>{} : SplitNames(options.expand), all);
-        report.Check(all || opened > 0, "opened " + std::to_string(opened) + " nodes");
-        Pump(50);
-    }
     int located = -1;
     const std::size_t colon = options.locate.rfind(L':');
     if (colon != std::wstring::npos) {
@@ -288,7 +306,6 @@ void DumpTree(Session& session, const Options& options, Report& report) {
                                      options.locate.substr(0, colon),
                                      _wtoi(options.locate.c_str() + colon + 1), report);
     }
-    // The nodes opened above stay open for the picture; the dump itself opens nothing more.
     std::string error;
     const bool done = DumpDocumentTree(window->Document(), options.dumpTree, L"", error);
     report.Check(done, "wrote the tree (" + std::to_string(CountNodes(tree)) + " nodes) to " +
@@ -444,11 +461,10 @@ int Run(const Options& options) {
                     }
                     if (options.scenario && options.mode != 2) {
                         ShowAndHide(session, connection, report);
-                        // Before the project is closed and opened again: the add-in hears
-                        // component events only for the project active at its last reload.
                         UseTheTree(session, options, report);
                         ChangeProjects(session, report);
                     }
+                    if (!options.expand.empty()) ExpandAsked(session, options, report);
                     if (!options.dumpTree.empty()) DumpTree(session, options, report);
                     if (!options.dumpMenu.empty()) DumpMenu(session, options, report);
                     if (!options.screenshot.empty() && options.dumpMenu.empty())
@@ -487,13 +503,11 @@ int Run(const Options& options) {
 int wmain(int argc, wchar_t** argv) {
     arbolet::vb6host::Options options;
     if (!arbolet::vb6host::Parse(argc, argv, options)) {
-        std::fprintf(
-            stderr,
-            "usage: vb6host [--connect-mode 0|1|2] [--transcript OUT.txt] [--dump-tree "
-            "OUT.json [--expand all|NAME,...] [--locate COMPONENT:LINE KEY]] [--dump-menu KEY "
-            "OUT.json] [--screenshot "
-            "OUT.png] [--cycles N] "
-            "[--scenario] [--dll PATH] PROJECT.vbp|GROUP.vbg...\n");
+        std::fprintf(stderr,
+                     "usage: vb6host [--connect-mode 0|1|2] [--transcript OUT.txt] [--dump-tree "
+                     "OUT.json [--locate COMPONENT:LINE KEY]] [--dump-menu KEY OUT.json] "
+                     "[--expand all|NAME,...] [--screenshot OUT.png] [--cycles N] [--scenario] "
+                     "[--dll PATH] PROJECT.vbp|GROUP.vbg...\n");
         std::fprintf(stderr,
                      "       vb6host --installed PROGID [--hold NAME] [the options above "
                      "but --dll] PROJECT.vbp|GROUP.vbg...\n");

@@ -1,5 +1,5 @@
 // Text conversions through MultiByteToWideChar and WideCharToMultiByte.
-#include "windows/registry/ansi_text.h"
+#include "windows/base/ansi_text.h"
 
 #include <windows.h>
 

@@ -1,13 +1,13 @@
 // Finds the file name of the module that contains this code, not of the host process: inside
 // the VB6 IDE that is the add-in DLL rather than VB6.EXE.
-#include "windows/registry/module_name.h"
+#include "windows/base/module_name.h"
 
 #include <windows.h>
 
 #include <string_view>
 #include <vector>
 
-#include "windows/registry/ansi_text.h"
+#include "windows/base/ansi_text.h"
 
 namespace arbolet::windows {
 namespace {

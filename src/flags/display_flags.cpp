@@ -1,9 +1,9 @@
 // The display-option flags (see display_flags.h).
-#include "cli/display_flags.h"
+#include "flags/display_flags.h"
 
 #include <CLI/CLI.hpp>
 
-namespace arbolet::cli {
+namespace arbolet::flags {
 namespace {
 
 void AddHideFlag(CLI::App& command, const std::string& name, bool& show, const std::string& what) {
@@ -25,4 +25,4 @@ void AddDisplayFlags(CLI::App& command, analysis::DisplayOptions& options) {
         "Sort the declarations and procedures by name");
 }
 
-}  // namespace arbolet::cli
+}  // namespace arbolet::flags
