@@ -9,9 +9,9 @@
 #include "disk/vb_path.h"
 #include "explorer/node_keys.h"
 #include "explorer/procedure_metrics.h"
+#include "windows/base/ansi_text.h"
 #include "windows/document/doc_addin.h"
 #include "windows/options/settings.h"
-#include "windows/registry/ansi_text.h"
 
 namespace arbolet::windows {
 namespace {

@@ -15,8 +15,8 @@
 #include "explorer/tree_search.h"
 #include "explorer_settings.h"
 #include "raw_registry.h"
+#include "windows/base/ansi_text.h"
 #include "windows/options/settings.h"
-#include "windows/registry/ansi_text.h"
 #include "windows/screenshot/screen_capture.h"
 
 namespace arbolet::explorer_app::testing {

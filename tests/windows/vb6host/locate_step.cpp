@@ -7,7 +7,7 @@
 #include <sstream>
 
 #include "support/test_window.h"
-#include "windows/registry/ansi_text.h"
+#include "windows/base/ansi_text.h"
 
 namespace arbolet::vb6host {
 namespace {
