@@ -154,10 +154,13 @@ export class ProjectTreeProvider
 
   private folderItem(folder: FolderElement): vscode.TreeItem {
     const expanded = !this.collapsedFolders.has(folder.id);
-    const item = new vscode.TreeItem(
-      folder.node.text,
-      expanded ? vscode.TreeItemCollapsibleState.Expanded : vscode.TreeItemCollapsibleState.Collapsed,
-    );
+    const state =
+      folder.children.length === 0
+        ? vscode.TreeItemCollapsibleState.None
+        : expanded
+          ? vscode.TreeItemCollapsibleState.Expanded
+          : vscode.TreeItemCollapsibleState.Collapsed;
+    const item = new vscode.TreeItem(folder.node.text, state);
     item.id = folder.id;
     item.contextValue = folder.node.custom ? 'customFolder' : 'folder';
     item.iconPath = this.icon(folder.node, expanded);

@@ -54,6 +54,8 @@ test('projects, folders and components show their names, pictures and menus', as
   const archive = await item(provider, await find(provider, 'Inventory', 'Archive'));
   assert.equal(archive.contextValue, 'customFolder');
   assert.equal(iconFile(archive), 'custom_folder@2x.png');
+  // An empty folder has nothing to open.
+  assert.equal(archive.collapsibleState, vscode.TreeItemCollapsibleState.None);
 
   const main = await item(provider, await find(provider, 'Inventory', 'Forms', 'frmMain'));
   assert.equal(main.contextValue, 'component');
