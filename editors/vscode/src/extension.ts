@@ -62,8 +62,8 @@ export async function activate(context: vscode.ExtensionContext): Promise<void> 
     await startFailed(`Arbolet could not start ${found.command} lsp: ${error instanceof Error ? error.message : String(error)}`);
     return;
   }
+  // deactivate() stops the client; stopping it twice is an error.
   const started = client;
-  context.subscriptions.push({ dispose: () => void started.stop() });
 
   const server = treeServerOver(
     { sendRequest: (m, p) => started.sendRequest(m, p), onNotification: (m, h) => started.onNotification(m, h) },
@@ -135,8 +135,9 @@ export async function activate(context: vscode.ExtensionContext): Promise<void> 
 }
 
 export async function deactivate(): Promise<void> {
-  await client?.stop();
+  const running = client;
   client = undefined;
+  await running?.stop().catch(() => undefined);
 }
 
 async function startFailed(message: string): Promise<void> {

@@ -75,6 +75,8 @@ before(async () => {
   const exited = new Promise<string>((resolve) => child!.on('close', (code, signal) => resolve(`arbolet lsp exited (${code ?? signal})`)));
   const spawnFailed = new Promise<string>((resolve) => child!.on('error', (e) => resolve(`arbolet lsp did not start: ${e.message}`)));
   connection = createMessageConnection(new StreamMessageReader(child.stdout!), new StreamMessageWriter(child.stdin!));
+  // The server may register file watchers or ask for settings; a client without them says null.
+  connection.onRequest(() => null);
   connection.listen();
   const root = fileUri(path.join(work, 'Inventory'));
   const init = connection
