@@ -69,7 +69,9 @@ body { margin: 0; background: #181818; color: #cccccc; font: 13px "DejaVu Sans",
 .title { height: 35px; line-height: 35px; padding-left: 20px; font-size: 11px; color: #cccccc; }
 .header { height: 22px; line-height: 22px; font-size: 11px; font-weight: bold; border-top: 1px solid #2b2b2b; display: flex; align-items: center; }
 .header .codicon { font-size: 16px; width: 20px; text-align: center; }
-.row { height: 22px; display: flex; align-items: center; white-space: nowrap; }
+.row { height: 22px; display: flex; align-items: center; white-space: nowrap; overflow: hidden; padding-right: 12px; }
+.label, .description { overflow: hidden; text-overflow: ellipsis; }
+.description { flex: 1 1 0; min-width: 0; }
 .twistie { width: 16px; min-width: 16px; font-size: 16px; text-align: center; padding-right: 6px; color: #c5c5c5; }
 .icon { width: 16px; height: 16px; min-width: 16px; margin-right: 6px; background-size: 16px; background-repeat: no-repeat; font-size: 16px; color: #c5c5c5; }
 .icon.codicon-symbol-function, .icon.codicon-symbol-method { color: #b180d7; }
