@@ -74,7 +74,9 @@ before(async () => {
   child.stderr!.on('data', (d) => stderr.push(String(d)));
   const exited = new Promise<string>((resolve) => child!.on('close', (code, signal) => resolve(`arbolet lsp exited (${code ?? signal})`)));
   const spawnFailed = new Promise<string>((resolve) => child!.on('error', (e) => resolve(`arbolet lsp did not start: ${e.message}`)));
+  child.stdin!.on('error', () => undefined);
   connection = createMessageConnection(new StreamMessageReader(child.stdout!), new StreamMessageWriter(child.stdin!));
+  connection.onError(() => undefined);
   // The server may register file watchers or ask for settings; a client without them says null.
   connection.onRequest(() => null);
   connection.listen();
@@ -113,9 +115,12 @@ before(async () => {
 after(async () => {
   if (lacking.size) console.log(`# arbolet lsp lacks: ${[...lacking].join(', ')}`);
   if (connection) {
-    await withTimeout('shutdown', connection.sendRequest('shutdown')).catch(() => undefined);
-    await connection.sendNotification('exit').catch(() => undefined);
-    connection.dispose();
+    const conn = connection;
+    if (!startError) {
+      await withTimeout('shutdown', Promise.resolve().then(() => conn.sendRequest('shutdown'))).catch(() => undefined);
+      await Promise.resolve().then(() => conn.sendNotification('exit')).catch(() => undefined);
+    }
+    conn.dispose();
   }
   if (child && child.exitCode === null) {
     await new Promise((r) => setTimeout(r, 500).unref());
@@ -324,4 +329,29 @@ test('folder commands from the view change the files exactly as arbolet folders 
   assert.equal(vscode.recorded.errors.length, 1);
   assert.ok(cliMessage.includes(vscode.recorded.errors[0]), `"${vscode.recorded.errors[0]}" is not the CLI's "${cliMessage}"`);
   assertSameFiles('a refused folder name');
+});
+
+test('Rename Component changes the files exactly as arbolet rename does, and the view follows', async (t) => {
+  if (!requireServer(t)) return;
+  vscode.resetRecorded();
+  const view = { selection: [] as TreeElement[], visible: true, reveal: async () => {} };
+  registerCommands({ server, provider, view } as unknown as CommandContext);
+  vscode.recorded.inputAnswers.push('clsStore');
+  await vscode.commands.executeCommand('arbolet.component.rename', await find('Inventory', 'Class Modules', 'clsWarehouse'));
+  assert.deepEqual(vscode.recorded.errors, []);
+  run('rename', path.join(expectedDir, 'Inventory.vbp'), 'clsWarehouse', 'clsStore');
+  assertSameFiles('rename clsWarehouse to clsStore');
+  assert.equal((await find('Inventory', 'Class Modules', 'clsStore')).type, 'component');
+  // A name in use is refused with the CLI's words.
+  vscode.recorded.inputAnswers.push('clsItem');
+  await vscode.commands.executeCommand('arbolet.component.rename', await find('Inventory', 'Class Modules', 'clsStore'));
+  let cliMessage = '';
+  try {
+    run('rename', path.join(expectedDir, 'Inventory.vbp'), 'clsStore', 'clsItem');
+  } catch (e) {
+    cliMessage = String((e as { stderr: string }).stderr).trim();
+  }
+  assert.equal(vscode.recorded.errors.length, 1);
+  assert.ok(cliMessage !== '' && cliMessage.includes(vscode.recorded.errors[0]), `"${vscode.recorded.errors[0]}" is not the CLI's "${cliMessage}"`);
+  assertSameFiles('a refused rename');
 });
