@@ -2,9 +2,9 @@
 
 import * as fs from 'fs';
 import * as vscode from 'vscode';
-import { LanguageClient, LanguageClientOptions, ServerOptions, TransportKind } from 'vscode-languageclient/node';
+import { LanguageClient, LanguageClientOptions, ServerOptions } from 'vscode-languageclient/node';
 import { followCursor, registerCommands } from './commands';
-import { resolveServerPath } from './serverPath';
+import { resolveServerPath, serverExecutable } from './serverPath';
 import { serverSettings, ServerSettings } from './settings';
 import { errorNodeScheme, ProjectTreeProvider, viewId } from './treeProvider';
 import { TreeElement } from './treeModel';
@@ -44,7 +44,7 @@ export async function activate(context: vscode.ExtensionContext): Promise<void> 
 
   const watcher = vscode.workspace.createFileSystemWatcher('**/*.{vbp,vbg}');
   context.subscriptions.push(watcher);
-  const serverOptions: ServerOptions = { command: found.command, args: ['lsp'], transport: TransportKind.stdio };
+  const serverOptions: ServerOptions = serverExecutable(found.command);
   const clientOptions: LanguageClientOptions = {
     documentSelector: [
       { scheme: 'file', language: 'vb6' },

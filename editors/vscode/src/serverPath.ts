@@ -70,3 +70,11 @@ function expandHome(file: string, env: PathEnvironment): string {
   }
   return file;
 }
+
+/**
+ * How the client starts the server: over stdio, which is what it uses when no transport is named.
+ * Naming TransportKind.stdio would make it append "--stdio", which `arbolet lsp` does not take.
+ */
+export function serverExecutable(command: string): { command: string; args: string[] } {
+  return { command, args: ['lsp'] };
+}

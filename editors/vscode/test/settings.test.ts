@@ -1,7 +1,7 @@
 // Where the arbolet program comes from, and the settings the server is sent.
 import { test } from 'node:test';
 import * as assert from 'node:assert/strict';
-import { PathEnvironment, resolveServerPath } from '../src/serverPath';
+import { PathEnvironment, resolveServerPath, serverExecutable } from '../src/serverPath';
 import { codePageOfEncoding, serverSettings } from '../src/settings';
 
 function env(platform: NodeJS.Platform, arch: string, files: string[], searchPath?: string, pathExt?: string): PathEnvironment {
@@ -61,4 +61,11 @@ test('the seven display options go to the server as booleans, true only when set
     hideSectionEnds: false,
     sortByName: false,
   });
+});
+
+test('the server is started as "arbolet lsp" and nothing more', async () => {
+  assert.deepEqual(serverExecutable('/x/arbolet'), { command: '/x/arbolet', args: ['lsp'] });
+  // The same options given to vscode-languageclient's own start-up code: it must add no argument.
+  const transport = (serverExecutable('/x/arbolet') as { transport?: unknown }).transport;
+  assert.equal(transport, undefined, 'a named transport makes the client append --stdio or --pipe');
 });
