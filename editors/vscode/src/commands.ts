@@ -20,14 +20,14 @@ export const fixedGroupPick = '(the fixed group of its kind)';
 export function registerCommands(ctx: CommandContext): vscode.Disposable[] {
   const on = (name: string, run: (...args: any[]) => unknown) => vscode.commands.registerCommand(name, run);
   return [
-    on('arbolet.refresh', () => ctx.provider.refresh()),
-    on('arbolet.folders.new', (e?: TreeElement) => newFolder(ctx, target(ctx, e))),
-    on('arbolet.folders.rename', (e?: TreeElement) => renameFolder(ctx, target(ctx, e))),
-    on('arbolet.folders.remove', (e?: TreeElement) => removeFolder(ctx, target(ctx, e))),
-    on('arbolet.folders.moveTo', (e?: TreeElement) => moveToFolder(ctx, target(ctx, e))),
-    on('arbolet.component.rename', (e?: TreeElement) => renameComponent(ctx, target(ctx, e))),
-    on('arbolet.revealLine', (uri: vscode.Uri, line: number, character: number) => revealLine(uri, line, character)),
-    on('arbolet.revealInProjects', (uri?: vscode.Uri) => revealInProjects(ctx, uri)),
+    on('arbolet.projects.refresh', () => ctx.provider.refresh()),
+    on('arbolet.projects.newFolder', (e?: TreeElement) => newFolder(ctx, target(ctx, e))),
+    on('arbolet.projects.renameFolder', (e?: TreeElement) => renameFolder(ctx, target(ctx, e))),
+    on('arbolet.projects.removeFolder', (e?: TreeElement) => removeFolder(ctx, target(ctx, e))),
+    on('arbolet.projects.moveToFolder', (e?: TreeElement) => moveToFolder(ctx, target(ctx, e))),
+    on('arbolet.projects.renameComponent', (e?: TreeElement) => renameComponent(ctx, target(ctx, e))),
+    on('arbolet.projects.revealLine', (uri: vscode.Uri, line: number, character: number) => revealLine(uri, line, character)),
+    on('arbolet.projects.reveal', (uri?: vscode.Uri) => revealInProjects(ctx, uri)),
   ];
 }
 

@@ -57,6 +57,15 @@ export interface ServerConnection {
   onNotification(method: string, handler: (params: any) => void): unknown;
 }
 
+/** The server's commands. vscode-languageclient registers each as a VS Code command of that name. */
+export const serverCommandNames = [
+  'arbolet.folders.add',
+  'arbolet.folders.remove',
+  'arbolet.folders.rename',
+  'arbolet.folders.move',
+  'arbolet.rename',
+] as const;
+
 /** The server's commands, with their arguments in the order the server takes them. */
 export type ServerCommand =
   | { command: 'arbolet.folders.add'; arguments: [string, string] }

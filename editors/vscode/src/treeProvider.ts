@@ -283,7 +283,7 @@ function codeItem(element: CodeElement): vscode.TreeItem {
   item.tooltip = `${symbol.name}${symbol.detail ? ` (${symbol.detail})` : ''}\nLine ${symbol.selectionRange.start.line + 1}`;
   if (uri) {
     item.command = {
-      command: 'arbolet.revealLine',
+      command: 'arbolet.projects.revealLine',
       title: 'Go to line',
       arguments: [uri, symbol.selectionRange.start.line, symbol.selectionRange.start.character],
     };

@@ -8,6 +8,7 @@ import * as path from 'node:path';
 import * as vscode from './fakeVscode';
 import { CommandContext, fixedGroupPick, followCursor, registerCommands } from '../src/commands';
 import { ProjectTreeProvider } from '../src/treeProvider';
+import { serverCommandNames } from '../src/protocol';
 import { TreeElement } from '../src/treeModel';
 import { FakeServer, legacySymbols, modLegacy, modStock, sampleTree, vbp } from './fakeServer';
 
@@ -57,6 +58,9 @@ test('every command the manifest contributes is registered, and nothing else', (
   const manifest = JSON.parse(fs.readFileSync(path.join(__dirname, '../../package.json'), 'utf8'));
   const contributed = manifest.contributes.commands.map((c: { command: string }) => c.command).sort();
   assert.deepEqual([...vscode.recorded.commands.keys()].sort(), contributed);
+  // The client registers the server's commands under their own names: the same name twice
+  // stops the extension from activating.
+  assert.deepEqual(contributed.filter((c: string) => (serverCommandNames as readonly string[]).includes(c)), []);
   // Each menu entry names a contributed command.
   for (const [menu, entries] of Object.entries(manifest.contributes.menus) as [string, { command: string }[]][]) {
     for (const e of entries) assert.ok(contributed.includes(e.command), `${menu}: ${e.command}`);
@@ -67,14 +71,14 @@ test('folders are made, renamed and removed through the server with the names th
   const { server, provider } = setup();
   const inventory = await node(provider, 'Inventory');
   vscode.recorded.inputAnswers.push('Reports');
-  await run('arbolet.folders.new', inventory);
+  await run('arbolet.projects.newFolder', inventory);
   vscode.recorded.inputAnswers.push('Old Code');
-  await run('arbolet.folders.rename', await node(provider, 'Inventory', 'Archive'));
-  await run('arbolet.folders.remove', await node(provider, 'Inventory', 'Data Access'));
+  await run('arbolet.projects.renameFolder', await node(provider, 'Inventory', 'Archive'));
+  await run('arbolet.projects.removeFolder', await node(provider, 'Inventory', 'Data Access'));
   // Fixed groups cannot be removed; renaming one is the server's business.
-  await run('arbolet.folders.remove', await node(provider, 'Inventory', 'Forms'));
+  await run('arbolet.projects.removeFolder', await node(provider, 'Inventory', 'Forms'));
   vscode.recorded.inputAnswers.push('Screens');
-  await run('arbolet.folders.rename', await node(provider, 'Inventory', 'Forms'));
+  await run('arbolet.projects.renameFolder', await node(provider, 'Inventory', 'Forms'));
   assert.deepEqual(server.commands, [
     { command: 'arbolet.folders.add', arguments: [vbp, 'Reports'] },
     { command: 'arbolet.folders.rename', arguments: [vbp, 'Archive', 'Old Code'] },
@@ -88,11 +92,11 @@ test('folders are made, renamed and removed through the server with the names th
 test('a cancelled or unchanged dialog sends nothing', async () => {
   const { server, provider } = setup();
   vscode.recorded.inputAnswers.push(undefined, 'Archive', 'modStock');
-  await run('arbolet.folders.new', await node(provider, 'Inventory'));
-  await run('arbolet.folders.rename', await node(provider, 'Inventory', 'Archive'));
-  await run('arbolet.component.rename', await node(provider, 'Inventory', 'Stock Logic', 'modStock'));
+  await run('arbolet.projects.newFolder', await node(provider, 'Inventory'));
+  await run('arbolet.projects.renameFolder', await node(provider, 'Inventory', 'Archive'));
+  await run('arbolet.projects.renameComponent', await node(provider, 'Inventory', 'Stock Logic', 'modStock'));
   vscode.recorded.pickAnswers.push(undefined);
-  await run('arbolet.folders.moveTo', await node(provider, 'Inventory', 'Stock Logic', 'modStock'));
+  await run('arbolet.projects.moveToFolder', await node(provider, 'Inventory', 'Stock Logic', 'modStock'));
   assert.deepEqual(server.commands, []);
 });
 
@@ -100,16 +104,16 @@ test('Move to Folder offers the other custom folders and the fixed group, and mo
   const { server, provider } = setup();
   const stock = await node(provider, 'Inventory', 'Stock Logic', 'modStock');
   vscode.recorded.pickAnswers.push('Archive', fixedGroupPick);
-  await run('arbolet.folders.moveTo', stock);
+  await run('arbolet.projects.moveToFolder', stock);
   assert.deepEqual(vscode.recorded.quickPicks[0].items, ['Data Access', 'Archive', fixedGroupPick]);
-  await run('arbolet.folders.moveTo', stock);
+  await run('arbolet.projects.moveToFolder', stock);
   assert.deepEqual(server.commands, [
     { command: 'arbolet.folders.move', arguments: [vbp, 'modStock', 'Archive'] },
     { command: 'arbolet.folders.move', arguments: [vbp, 'modStock', ''] },
   ]);
   // A form in its fixed group is not offered its own group back.
   vscode.recorded.pickAnswers.push(undefined);
-  await run('arbolet.folders.moveTo', await node(provider, 'Inventory', 'Forms', 'frmMain'));
+  await run('arbolet.projects.moveToFolder', await node(provider, 'Inventory', 'Forms', 'frmMain'));
   assert.deepEqual(vscode.recorded.quickPicks[2].items, ['Stock Logic', 'Data Access', 'Archive']);
 });
 
@@ -119,32 +123,32 @@ test('a refusal shows the server\'s own message and leaves the tree as it was', 
   const requests = server.treeRequests;
   server.refusals.set('arbolet.rename', 'You already have an object with this name.');
   vscode.recorded.inputAnswers.push('modLegacy');
-  await run('arbolet.component.rename', await node(provider, 'Inventory', 'Stock Logic', 'modStock'));
+  await run('arbolet.projects.renameComponent', await node(provider, 'Inventory', 'Stock Logic', 'modStock'));
   assert.deepEqual(server.commands, [{ command: 'arbolet.rename', arguments: [vbp, 'modStock', 'modLegacy'] }]);
   assert.deepEqual(vscode.recorded.errors, ['You already have an object with this name.']);
   assert.equal(server.treeRequests, requests);
   // A success reads the tree again at once.
   server.refusals.clear();
   vscode.recorded.inputAnswers.push('modStore');
-  await run('arbolet.component.rename', await node(provider, 'Inventory', 'Stock Logic', 'modStock'));
+  await run('arbolet.projects.renameComponent', await node(provider, 'Inventory', 'Stock Logic', 'modStock'));
   assert.equal(server.treeRequests, requests + 1);
 });
 
 test('from the command palette the commands act on the selected node', async () => {
   const { server, provider, view } = setup();
   view.selection = [await node(provider, 'Inventory', 'Archive')];
-  await run('arbolet.folders.remove');
+  await run('arbolet.projects.removeFolder');
   view.selection = [];
-  await run('arbolet.folders.remove');
+  await run('arbolet.projects.removeFolder');
   assert.deepEqual(server.commands, [{ command: 'arbolet.folders.remove', arguments: [vbp, 'Archive'] }]);
 });
 
 test('Reveal in VB6 Projects selects the component of the file; a file of no project says so', async () => {
   const { provider, view } = setup();
-  const revealed = await run('arbolet.revealInProjects', vscode.Uri.parse(modStock));
+  const revealed = await run('arbolet.projects.reveal', vscode.Uri.parse(modStock));
   assert.equal(revealed, await node(provider, 'Inventory', 'Stock Logic', 'modStock'));
   assert.deepEqual(view.revealed.map((r) => r.options), [{ select: true, focus: true, expand: false }]);
-  await run('arbolet.revealInProjects', vscode.Uri.parse('file:///w/other.bas'));
+  await run('arbolet.projects.reveal', vscode.Uri.parse('file:///w/other.bas'));
   assert.equal(vscode.recorded.infos.length, 1);
   assert.match(vscode.recorded.infos[0], /other\.bas is not a component/);
 });
@@ -161,7 +165,7 @@ test('following the cursor selects the innermost node of the line, only while th
 
 test('Go to Line opens the file with the cursor on the line', async () => {
   setup();
-  await run('arbolet.revealLine', vscode.Uri.parse(modStock), 16, 4);
+  await run('arbolet.projects.revealLine', vscode.Uri.parse(modStock), 16, 4);
   const shown = vscode.recorded.shownDocuments[0];
   assert.equal(shown.uri.toString(), modStock);
   assert.deepEqual(shown.selection, new vscode.Range(new vscode.Position(16, 4), new vscode.Position(16, 4)));

@@ -281,26 +281,26 @@ test('folder commands from the view change the files exactly as arbolet folders 
   const expectedVbp = path.join(expectedDir, 'Inventory.vbp');
   const cmd = (name: string, ...args: unknown[]) => vscode.commands.executeCommand(name, ...args);
 
-  await cmd('arbolet.folders.moveTo', await find('Inventory', 'Stock Logic', 'modStock'));
+  await cmd('arbolet.projects.moveToFolder', await find('Inventory', 'Stock Logic', 'modStock'));
   assert.deepEqual(vscode.recorded.errors, []);
   assert.equal(vscode.recorded.quickPicks.length, 1, 'a quick pick was offered');
   // The first answer was missing: nothing is sent and nothing changes.
   assertSameFiles('a cancelled move');
 
   vscode.recorded.pickAnswers.push('Archive');
-  await cmd('arbolet.folders.moveTo', await find('Inventory', 'Stock Logic', 'modStock'));
+  await cmd('arbolet.projects.moveToFolder', await find('Inventory', 'Stock Logic', 'modStock'));
   assert.deepEqual(vscode.recorded.errors, []);
   run('folders', expectedVbp, 'move', 'modStock', 'Archive');
   assertSameFiles('move modStock to Archive');
   assert.equal((await find('Inventory', 'Archive', 'modStock')).type, 'component');
 
   vscode.recorded.inputAnswers.push('Reports');
-  await cmd('arbolet.folders.new', await find('Inventory'));
+  await cmd('arbolet.projects.newFolder', await find('Inventory'));
   run('folders', expectedVbp, 'add', 'Reports');
   assertSameFiles('add the folder Reports');
 
   vscode.recorded.inputAnswers.push('Old Code');
-  await cmd('arbolet.folders.rename', await find('Inventory', 'Archive'));
+  await cmd('arbolet.projects.renameFolder', await find('Inventory', 'Archive'));
   run('folders', expectedVbp, 'rename', 'Archive', 'Old Code');
   assertSameFiles('rename Archive to Old Code');
 
@@ -311,7 +311,7 @@ test('folder commands from the view change the files exactly as arbolet folders 
   run('folders', expectedVbp, 'move', 'modLegacy', 'Old Code');
   assertSameFiles('drag modLegacy onto Old Code');
 
-  await cmd('arbolet.folders.remove', await find('Inventory', 'Stock Logic'));
+  await cmd('arbolet.projects.removeFolder', await find('Inventory', 'Stock Logic'));
   run('folders', expectedVbp, 'remove', 'Stock Logic');
   assertSameFiles('remove Stock Logic');
   assert.deepEqual(vscode.recorded.errors, []);
@@ -319,7 +319,7 @@ test('folder commands from the view change the files exactly as arbolet folders 
 
   // A refusal: an invalid name is refused with the CLI's message, and no file changes.
   vscode.recorded.inputAnswers.push('bad;name');
-  await cmd('arbolet.folders.new', await find('Inventory'));
+  await cmd('arbolet.projects.newFolder', await find('Inventory'));
   let cliMessage = '';
   try {
     run('folders', expectedVbp, 'add', 'bad;name');
@@ -337,14 +337,14 @@ test('Rename Component changes the files exactly as arbolet rename does, and the
   const view = { selection: [] as TreeElement[], visible: true, reveal: async () => {} };
   registerCommands({ server, provider, view } as unknown as CommandContext);
   vscode.recorded.inputAnswers.push('clsStore');
-  await vscode.commands.executeCommand('arbolet.component.rename', await find('Inventory', 'Class Modules', 'clsWarehouse'));
+  await vscode.commands.executeCommand('arbolet.projects.renameComponent', await find('Inventory', 'Class Modules', 'clsWarehouse'));
   assert.deepEqual(vscode.recorded.errors, []);
   run('rename', path.join(expectedDir, 'Inventory.vbp'), 'clsWarehouse', 'clsStore');
   assertSameFiles('rename clsWarehouse to clsStore');
   assert.equal((await find('Inventory', 'Class Modules', 'clsStore')).type, 'component');
   // A name in use is refused with the CLI's words.
   vscode.recorded.inputAnswers.push('clsItem');
-  await vscode.commands.executeCommand('arbolet.component.rename', await find('Inventory', 'Class Modules', 'clsStore'));
+  await vscode.commands.executeCommand('arbolet.projects.renameComponent', await find('Inventory', 'Class Modules', 'clsStore'));
   let cliMessage = '';
   try {
     run('rename', path.join(expectedDir, 'Inventory.vbp'), 'clsStore', 'clsItem');

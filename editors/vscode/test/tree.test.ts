@@ -120,7 +120,7 @@ test('a component with block errors opens by itself down to its red nodes; a cle
 test('a code node goes to its line in its own file', async () => {
   const { provider } = setup();
   const stateOf = await item(provider, await find(provider, 'Inventory', 'Stock Logic', 'modStock', 'StateOf'));
-  assert.equal(stateOf.command?.command, 'arbolet.revealLine');
+  assert.equal(stateOf.command?.command, 'arbolet.projects.revealLine');
   assert.equal(String(stateOf.command?.arguments?.[0]), modStock);
   assert.deepEqual(stateOf.command?.arguments?.slice(1), [16, 0]);
   assert.match(String(stateOf.tooltip), /Line 17/);
