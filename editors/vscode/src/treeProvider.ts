@@ -129,6 +129,14 @@ export class ProjectTreeProvider
   }
 
   async getTreeItem(element: TreeElement): Promise<vscode.TreeItem> {
+    const item = await this.itemOf(element);
+    // Screen readers read the tooltip unless told otherwise, and ours is a path or a line number.
+    const label = typeof item.label === 'string' ? item.label : (item.label?.label ?? '');
+    item.accessibilityInformation = { label: item.description ? `${label}, ${item.description}` : label };
+    return item;
+  }
+
+  private async itemOf(element: TreeElement): Promise<vscode.TreeItem> {
     switch (element.type) {
       case 'project':
         return this.projectItem(element);

@@ -51,6 +51,7 @@ export class ThemeIcon {
 export class TreeItem {
   id?: string;
   description?: string;
+  accessibilityInformation?: { label: string };
   tooltip?: string;
   iconPath?: unknown;
   contextValue?: string;

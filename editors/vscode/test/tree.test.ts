@@ -42,6 +42,7 @@ test('projects, folders and components show their names, pictures and menus', as
   assert.deepEqual(await Promise.all(projects.map(async (p) => (await item(provider, p)).label)), ['Inventory', 'Tools']);
   const inventory = await item(provider, projects[0]);
   assert.equal(inventory.description, 'start-up');
+  assert.deepEqual(inventory.accessibilityInformation, { label: 'Inventory, start-up' });
   assert.equal(iconFile(inventory), 'startup_project@2x.png');
   assert.equal(inventory.contextValue, 'project');
   const tools = await item(provider, projects[1]);
