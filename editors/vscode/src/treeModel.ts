@@ -61,7 +61,10 @@ function childElements(
 ): TreeElement[] {
   const out: TreeElement[] = [];
   for (const node of nodes) {
-    const id = uniqueId(used, `${parent.id}/${node.key}`);
+    // VS Code keeps a closed state for an id it showed with nothing to open, so a folder that
+    // gets its first component would stay closed over it: an empty folder has an id of its own.
+    const empty = node.kind === 'folder' && node.children.length === 0 ? '~empty' : '';
+    const id = uniqueId(used, `${parent.id}/${node.key}${empty}`);
     if (node.kind === 'component') {
       out.push({ type: 'component', id, node, parent });
     } else if (node.kind === 'folder' && parent.type === 'project') {

@@ -191,6 +191,7 @@ test('a change the server announces reads the tree again; an edit reads only its
   await provider.getChildren(stock);
   assert.equal(server.symbolRequests.filter((u) => u === modStock).length, before + 1);
 
+  const archiveBefore = (await item(provider, await find(provider, 'Inventory', 'Archive'))).id;
   const tree = sampleTree();
   tree.nodes[0].children[3].children.push(tree.nodes[0].children[1].children.pop()!);
   server.tree = tree;
@@ -200,6 +201,10 @@ test('a change the server announces reads the tree again; an edit reads only its
   assert.equal(server.treeRequests, requests + 1);
   const moved = await find(provider, 'Inventory', 'Archive', 'modStock');
   assert.equal(moved.type, 'component');
+  // The folder that was empty is a new node to VS Code, so it opens on what it now holds.
+  const archive = await item(provider, await find(provider, 'Inventory', 'Archive'));
+  assert.equal(archive.collapsibleState, vscode.TreeItemCollapsibleState.Expanded);
+  assert.notEqual(archive.id, archiveBefore);
   assert.deepEqual(await provider.getChildren(await find(provider, 'Inventory', 'Stock Logic')), []);
 });
 
