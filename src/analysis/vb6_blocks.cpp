@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "analysis/vb6_block_tree.h"
 #include "analysis/vb6_indentation.h"
 #include "analysis/vb6_statements.h"
 
@@ -76,20 +77,78 @@ std::string Quoted(std::string_view text) {
     return quoted;
 }
 
-// A procedure, `Type` or `Enum` header after any scope and `Static` modifiers.
-std::optional<Kind> DeclarationHeader(std::string_view text) {
+// The text from the start of `from` to the end of `to`, two slices of one line.
+std::string_view Through(std::string_view from, std::string_view to) {
+    return {from.data(), static_cast<std::size_t>(to.data() + to.size() - from.data())};
+}
+
+struct Header {
+    Kind kind = Kind::Sub;
+    BlockKind blockKind = BlockKind::Sub;
+    std::string_view keywords;  // modifiers and keywords: "Private Property Get"
+    std::string_view name;
+};
+
+std::optional<BlockKind> HeaderKeyword(std::string_view word) {
+    if (WordIs(word, "sub")) return BlockKind::Sub;
+    if (WordIs(word, "function")) return BlockKind::Function;
+    if (WordIs(word, "property")) return BlockKind::PropertyGet;
+    if (WordIs(word, "type")) return BlockKind::Type;
+    if (WordIs(word, "enum")) return BlockKind::Enum;
+    return std::nullopt;
+}
+
+Kind KindOf(BlockKind kind) {
+    switch (kind) {
+        case BlockKind::Sub:
+            return Kind::Sub;
+        case BlockKind::Function:
+            return Kind::Function;
+        case BlockKind::Type:
+            return Kind::Type;
+        case BlockKind::Enum:
+            return Kind::Enum;
+        default:
+            return Kind::Property;
+    }
+}
+
+// A procedure, `Type` or `Enum` header after any scope and `Static` modifiers. A header names
+// what it declares, so a `Type` member called `Type` or `sub` (`Sub As Long`) is none.
+std::optional<Header> ParseHeader(std::string_view text) {
+    const std::string_view start = text;
     std::string_view word = FirstWord(text);
     while (WordIs(word, "public") || WordIs(word, "private") || WordIs(word, "friend") ||
            WordIs(word, "static") || WordIs(word, "global")) {
         text = AfterWord(text, word);
         word = FirstWord(text);
     }
-    if (WordIs(word, "sub")) return Kind::Sub;
-    if (WordIs(word, "function")) return Kind::Function;
-    if (WordIs(word, "property")) return Kind::Property;
-    if (WordIs(word, "type")) return Kind::Type;
-    if (WordIs(word, "enum")) return Kind::Enum;
-    return std::nullopt;
+    auto blockKind = HeaderKeyword(word);
+    if (!blockKind) return std::nullopt;
+    if (*blockKind == BlockKind::PropertyGet) {
+        const std::string_view accessor = FirstWord(AfterWord(text, word));
+        if (WordIs(accessor, "let")) {
+            blockKind = BlockKind::PropertyLet;
+        } else if (WordIs(accessor, "set")) {
+            blockKind = BlockKind::PropertySet;
+        } else if (!WordIs(accessor, "get")) {
+            return std::nullopt;
+        }
+        text = AfterWord(text, word);
+        word = accessor;
+    }
+    const std::string_view name = FirstWord(AfterWord(text, word));
+    if (name.empty() || name.front() == '#' || WordIs(name, "as")) return std::nullopt;
+    return Header{KindOf(*blockKind), *blockKind, Through(start, word), name};
+}
+
+BlockKind BlockKindOf(Kind kind) {
+    static constexpr BlockKind kKinds[] = {
+        BlockKind::If,       BlockKind::For,         BlockKind::ForEach, BlockKind::Do,
+        BlockKind::While,    BlockKind::Select,      BlockKind::With,    BlockKind::Sub,
+        BlockKind::Function, BlockKind::PropertyGet, BlockKind::Type,    BlockKind::Enum,
+    };
+    return kKinds[static_cast<std::size_t>(kind)];
 }
 
 // The text after the `Then` of an `If` or `ElseIf` statement, or nullopt without one.
@@ -122,7 +181,8 @@ struct Entry {
     std::int32_t indent = 0;
     std::int32_t parent = -1;
     std::int32_t elseLine = -1;
-    std::string variable;  // of a `For`, as written
+    std::int32_t block = -1;  // in the block tree, when one is built
+    std::string variable;     // of a `For`, as written
 };
 
 struct Conditional {
@@ -131,6 +191,7 @@ struct Conditional {
     std::int32_t ifLine = 0;      // 0-based
     std::int32_t branchLine = 0;  // where the current branch began
     std::string_view branchWord;  // its directive
+    std::int32_t block = -1;      // in the block tree, when one is built
 };
 
 constexpr std::int32_t kInFirstBranch = -2;
@@ -143,9 +204,10 @@ struct PendingHint {
 
 class Checker {
   public:
-    explicit Checker(std::int32_t firstLine) : firstLine_(firstLine) {}
+    Checker(std::int32_t firstLine, bool buildTree) : firstLine_(firstLine), tree_(buildTree) {}
 
     void Line(const LogicalLine& line) {
+        current_ = &line;
         line_ = line.firstLine;
         indent_ = IndentOf(line.text);
         singleLine_ = false;
@@ -159,10 +221,12 @@ class Checker {
         });
     }
 
-    std::vector<BlockFinding> Finish(std::string_view code, std::int32_t endLine) {
+    BlockTree Finish(std::string_view code, std::int32_t endLine) {
         line_ = endLine;
+        current_ = nullptr;
         CloseAll(endLine);
         for (auto it = conditionals_.rbegin(); it != conditionals_.rend(); ++it) {
+            CutAt(it->block, endLine);
             Report(
                 BlockRule::UnclosedBlock, it->ifLine,
                 Quoted("#If") + " at line " + Number(it->ifLine) + " has no " + Quoted("#End If"));
@@ -178,17 +242,38 @@ class Checker {
                                                a.message == b.message;
                                     }),
                         findings_.end());
-        return std::move(findings_);
+        BlockTree tree;
+        tree.findings = std::move(findings_);
+        tree.blocks = std::move(blocks_);
+        LinkChildren(tree);
+        return tree;
     }
 
   private:
     // ---- statements ----
 
+    // A statement, and what follows `Then` or `Else` in it, in a loop rather than by recursion:
+    // a line of thousands of single-line `If`s must not exhaust the stack.
     void Process(std::string_view text, bool last) {
+        while (!text.empty()) {
+            continued_ = {};
+            ProcessOne(text, last);
+            text = continued_;
+            last = continuedLast_;
+        }
+    }
+
+    void Continue(std::string_view text, bool last) {
+        continued_ = text;
+        continuedLast_ = last;
+    }
+
+    void ProcessOne(std::string_view text, bool last) {
         const std::string_view word = FirstWord(text);
         if (word.empty()) return;
+        statement_ = text;
         if (word.front() == '#') {
-            Directive(word);
+            Directive(word, AfterWord(text, word));
             return;
         }
         if (InDeclarationBlock()) {
@@ -196,7 +281,7 @@ class Checker {
             return;
         }
         if (WordIs(word, "case")) {
-            Case();
+            Case(word);
             return;
         }
         if (!WordIs(word, "end")) CheckCaseSeen();
@@ -206,76 +291,79 @@ class Checker {
     void Keyword(std::string_view word, std::string_view rest, std::string_view text, bool last) {
         switch (word.size()) {
             case 2:
-                if (WordIs(word, "if")) return If(rest, last);
-                if (WordIs(word, "do")) return Open(Kind::Do);
+                if (WordIs(word, "if")) return If(word, rest, last);
+                if (WordIs(word, "do")) return Open(Kind::Do, word);
                 break;
             case 3:
-                if (WordIs(word, "for")) return For(rest);
-                if (WordIs(word, "end")) return End(rest);
-                if (WordIs(word, "sub")) return Header(Kind::Sub);
+                if (WordIs(word, "for")) return For(word, rest);
+                if (WordIs(word, "end")) return End(word, rest);
+                if (WordIs(word, "sub")) return Declaration(text);
                 break;
             case 4:
-                if (WordIs(word, "next")) return Next(rest);
-                if (WordIs(word, "loop")) return Close(Kind::Do, "Loop");
-                if (WordIs(word, "wend")) return Close(Kind::While, "Wend");
-                if (WordIs(word, "with")) return Open(Kind::With);
-                if (WordIs(word, "else")) return Else(rest, last);
-                if (WordIs(word, "type")) return Header(Kind::Type);
-                if (WordIs(word, "enum")) return Header(Kind::Enum);
+                if (WordIs(word, "next")) return Next(word, rest);
+                if (WordIs(word, "loop")) return Close(Kind::Do, "Loop", word);
+                if (WordIs(word, "wend")) return Close(Kind::While, "Wend", word);
+                if (WordIs(word, "with")) return Open(Kind::With, word);
+                if (WordIs(word, "else")) return Else(word, rest, last);
+                if (WordIs(word, "type") || WordIs(word, "enum")) return Declaration(text);
                 break;
             case 5:
-                if (WordIs(word, "endif")) return Close(Kind::If, "End If");
-                if (WordIs(word, "while")) return Open(Kind::While);
+                if (WordIs(word, "endif")) return Close(Kind::If, "End If", word);
+                if (WordIs(word, "while")) return Open(Kind::While, word);
                 break;
             case 6:
-                if (WordIs(word, "select")) return Open(Kind::Select);
-                if (WordIs(word, "elseif")) return ElseIf(rest);
+                if (WordIs(word, "select")) return Select(word, rest);
+                if (WordIs(word, "elseif")) return ElseIf(word, rest);
                 if (WordIs(word, "public") || WordIs(word, "static") || WordIs(word, "friend") ||
                     WordIs(word, "global")) {
-                    return Modified(text);
+                    return Declaration(text);
                 }
                 break;
             case 7:
-                if (WordIs(word, "private")) return Modified(text);
+                if (WordIs(word, "private")) return Declaration(text);
                 break;
             case 8:
-                if (WordIs(word, "function")) return Header(Kind::Function);
-                if (WordIs(word, "property")) return Header(Kind::Property);
+                if (WordIs(word, "function") || WordIs(word, "property")) return Declaration(text);
                 break;
             default:
                 break;
         }
     }
 
-    void Modified(std::string_view text) {
-        if (const auto kind = DeclarationHeader(text)) Header(*kind);
+    void Declaration(std::string_view text) {
+        if (const auto header = ParseHeader(text)) OpenHeader(*header);
     }
 
-    void If(std::string_view rest, bool last) {
+    void Select(std::string_view word, std::string_view rest) {
+        const std::string_view next = FirstWord(rest);
+        Open(Kind::Select, WordIs(next, "case") ? Through(word, next) : word);
+    }
+
+    void If(std::string_view word, std::string_view rest, bool last) {
         const auto afterThen = AfterThen(rest);
         if (!afterThen) return;  // no `Then`: not a block, and not ours to judge
         if (afterThen->empty() && last && !singleLine_) {
-            Open(Kind::If);
+            Open(Kind::If, word);
             return;
         }
         // Anything after `Then` on the same line makes a single-line `If`, however it goes on.
         singleLine_ = true;
-        if (!afterThen->empty()) Process(*afterThen, last);
+        if (!afterThen->empty()) Continue(*afterThen, last);
     }
 
-    void ElseIf(std::string_view rest) {
+    void ElseIf(std::string_view word, std::string_view rest) {
         if (singleLine_) return;
-        if (const auto at = Branch(Kind::If, "ElseIf")) {
+        if (const auto at = Branch(Kind::If, "ElseIf", word)) {
             const Entry& entry = nodes_[static_cast<std::size_t>(*at)];
             if (entry.elseLine >= 0) LateBranch("ElseIf", entry);
         }
         const auto afterThen = AfterThen(rest);
-        if (afterThen && !afterThen->empty()) Process(*afterThen, true);
+        if (afterThen && !afterThen->empty()) Continue(*afterThen, true);
     }
 
-    void Else(std::string_view rest, bool last) {
+    void Else(std::string_view word, std::string_view rest, bool last) {
         if (!singleLine_) {
-            if (const auto at = Branch(Kind::If, "Else")) {
+            if (const auto at = Branch(Kind::If, "Else", word)) {
                 Entry entry = nodes_[static_cast<std::size_t>(*at)];
                 if (entry.elseLine >= 0) {
                     LateBranch("Else", entry);
@@ -286,11 +374,11 @@ class Checker {
             }
         }
         // `Else If c Then` opens a new `If`, unlike `ElseIf`.
-        if (!rest.empty()) Process(rest, last);
+        if (!rest.empty()) Continue(rest, last);
     }
 
-    void Case() {
-        if (const auto at = Branch(Kind::Select, "Case")) {
+    void Case(std::string_view word) {
+        if (const auto at = Branch(Kind::Select, "Case", word)) {
             Entry entry = nodes_[static_cast<std::size_t>(*at)];
             if (!entry.caseSeen) {
                 entry.caseSeen = true;
@@ -313,18 +401,22 @@ class Checker {
         Replace(std::move(entry));
     }
 
-    void For(std::string_view rest) {
+    void For(std::string_view word, std::string_view rest) {
         std::string_view variable = FirstWord(rest);
         Kind kind = Kind::For;
+        std::string_view keywords = word;
         if (WordIs(variable, "each")) {
             kind = Kind::ForEach;
+            keywords = Through(word, variable);
             variable = FirstWord(AfterWord(rest, variable));
         }
-        Open(kind, variable);
+        Open(kind, keywords, variable);
     }
 
-    void Next(std::string_view rest) {
+    // `Next i, j` closes two loops; the second one's closer is its variable.
+    void Next(std::string_view word, std::string_view rest) {
         rest = TrimBlanks(rest);
+        closer_ = SpanOf(word);
         if (rest.empty()) {
             NextOne({});
             return;
@@ -334,6 +426,7 @@ class Checker {
             const std::string_view variable = FirstWord(TrimBlanks(rest.substr(0, comma)));
             if (!NextOne(variable) || comma == std::string_view::npos) return;
             rest = rest.substr(comma + 1);
+            closer_ = SpanOf(FirstWord(TrimBlanks(rest.substr(0, rest.find(',')))));
         }
     }
 
@@ -369,9 +462,10 @@ class Checker {
         return true;
     }
 
-    void End(std::string_view rest) {
+    void End(std::string_view end, std::string_view rest) {
         const std::string_view word = FirstWord(rest);
         if (word.empty()) return;  // `End` alone ends the program
+        closer_ = SpanOf(Through(end, word));
         if (WordIs(word, "if")) return Close(Kind::If, "End If");
         if (WordIs(word, "select")) return Close(Kind::Select, "End Select");
         if (WordIs(word, "with")) return Close(Kind::With, "End With");
@@ -385,9 +479,9 @@ class Checker {
     // Inside `Type` and `Enum` only members are expected; what can end the block is looked at.
     void DeclarationBlockMember(std::string_view word, std::string_view text) {
         if (WordIs(word, "end")) {
-            End(AfterWord(text, word));
-        } else if (const auto kind = DeclarationHeader(text)) {
-            Header(*kind);
+            End(word, AfterWord(text, word));
+        } else {
+            Declaration(text);
         }
     }
 
@@ -395,6 +489,7 @@ class Checker {
         if (top_ >= 0 && IsDeclarationBlock(nodes_[static_cast<std::size_t>(top_)].kind)) {
             const Entry& open = nodes_[static_cast<std::size_t>(top_)];
             if (open.kind != kind) Mismatched(kind, open);
+            MarkClosed(top_);
             Pop();
             return;
         }
@@ -409,12 +504,12 @@ class Checker {
             return;
         }
         const Entry& open = nodes_[static_cast<std::size_t>(procedure)];
-        if (open.kind != kind) Mismatched(kind, open);
+        if (open.kind != kind) Mismatched(kind, open, BlockRule::MismatchedProcedureEnd);
         CloseDownTo(procedure);
     }
 
-    void Mismatched(Kind closer, const Entry& open) {
-        Report(BlockRule::MismatchedEnd, line_,
+    void Mismatched(Kind closer, const Entry& open, BlockRule rule = BlockRule::MismatchedEnd) {
+        Report(rule, line_,
                Quoted(CloserName(closer)) + " at line " + Number(line_) + " closes " +
                    Quoted(OpenerName(open.kind)) + " opened at line " + Number(open.line),
                open.line, Quoted(OpenerName(open.kind)) + " opened here");
@@ -422,9 +517,10 @@ class Checker {
 
     // ---- conditional compilation ----
 
-    void Directive(std::string_view word) {
+    void Directive(std::string_view word, std::string_view rest) {
         if (WordIs(word, "#if")) {
-            conditionals_.push_back({top_, kInFirstBranch, line_, line_, "#If"});
+            const std::int32_t block = NewBlock(BlockKind::ConditionalIf, word, {});
+            conditionals_.push_back({top_, kInFirstBranch, line_, line_, "#If", block});
         } else if (WordIs(word, "#elseif") || WordIs(word, "#else")) {
             const std::string_view shown = WordIs(word, "#else") ? "#Else" : "#ElseIf";
             if (conditionals_.empty()) {
@@ -434,6 +530,7 @@ class Checker {
             }
             Conditional& frame = conditionals_.back();
             EndBranch(frame);
+            AddMiddle(frame.block, word);
             top_ = frame.start;
             frame.branchLine = line_;
             frame.branchWord = shown;
@@ -444,6 +541,9 @@ class Checker {
             }
             Conditional& frame = conditionals_.back();
             EndBranch(frame);
+            const std::string_view ifWord = FirstWord(rest);
+            closer_ = SpanOf(WordIs(ifWord, "if") ? Through(word, ifWord) : word);
+            CloseBlock(frame.block);
             top_ = frame.firstEnd;
             conditionals_.pop_back();
         }
@@ -454,6 +554,11 @@ class Checker {
         if (frame.firstEnd == kInFirstBranch) {
             frame.firstEnd = top_;
             return;
+        }
+        for (std::int32_t at = top_; at >= 0 && at != frame.start;) {
+            const Entry& entry = nodes_[static_cast<std::size_t>(at)];
+            CutAt(entry.block, line_);
+            at = entry.parent;
         }
         if (SameBlocks(top_, frame.firstEnd)) return;
         Report(BlockRule::ConditionalBranches, frame.branchLine,
@@ -481,19 +586,25 @@ class Checker {
         return top_ >= 0 && IsDeclarationBlock(nodes_[static_cast<std::size_t>(top_)].kind);
     }
 
-    void Open(Kind kind, std::string_view variable = {}) {
+    void Open(Kind kind, std::string_view keywords, std::string_view variable = {}) {
         Entry entry;
         entry.kind = kind;
         entry.line = line_;
         entry.indent = indent_;
         entry.variable = variable;
+        entry.block = NewBlock(BlockKindOf(kind), keywords, {});
         Push(std::move(entry));
     }
 
     // Procedures, `Type` and `Enum` cannot nest: whatever is open ends before the header.
-    void Header(Kind kind) {
+    void OpenHeader(const Header& header) {
         CloseAll(line_);
-        Open(kind);
+        Entry entry;
+        entry.kind = header.kind;
+        entry.line = line_;
+        entry.indent = indent_;
+        entry.block = NewBlock(header.blockKind, header.keywords, header.name);
+        Push(std::move(entry));
     }
 
     void Push(Entry entry) {
@@ -528,7 +639,9 @@ class Checker {
 
     // A closing statement: closes the nearest open block of its kind, and reports the blocks
     // inside it that were left open.
-    void Close(Kind kind, std::string_view closer) {
+    // `word`: the closing keyword, unless `End` already set `closer_`.
+    void Close(Kind kind, std::string_view closer, std::string_view word = {}) {
+        if (!word.empty()) closer_ = SpanOf(word);
         const std::int32_t at = Find([kind](const Entry& e) { return e.kind == kind; }, true);
         if (at < 0) {
             Unmatched(closer, OpenerName(kind));
@@ -539,7 +652,8 @@ class Checker {
 
     // A branch statement: the block it belongs to must be the innermost; blocks inside it that
     // were left open are reported. Returns the block's entry.
-    std::optional<std::int32_t> Branch(Kind kind, std::string_view branch) {
+    std::optional<std::int32_t> Branch(Kind kind, std::string_view branch,
+                                       std::string_view keyword) {
         const std::int32_t at = Find([kind](const Entry& e) { return e.kind == kind; }, true);
         if (at < 0) {
             Report(BlockRule::MisplacedBranch, line_,
@@ -548,6 +662,7 @@ class Checker {
             return std::nullopt;
         }
         ReportOpenAbove(at, line_);
+        AddMiddle(nodes_[static_cast<std::size_t>(top_)].block, keyword);
         return top_;
     }
 
@@ -574,16 +689,94 @@ class Checker {
 
     void CloseDownTo(std::int32_t at) {
         ReportOpenAbove(at, line_);
+        MarkClosed(top_);
         Pop();
     }
 
     void CloseAll(std::int32_t noticed) { ReportOpenAbove(-1, noticed); }
 
     void ReportUnclosed(const Entry& entry, std::int32_t noticed) {
+        CutAt(entry.block, noticed);
         hints_.push_back({findings_.size(), entry.line, noticed});
         Report(BlockRule::UnclosedBlock, entry.line,
                Quoted(OpenerName(entry.kind)) + " at line " + Number(entry.line) + " has no " +
                    Quoted(CloserName(entry.kind)));
+    }
+
+    // ---- the block tree ----
+
+    // Where a slice of the current logical line is; only its first physical line when it is
+    // continued over several.
+    Span SpanOf(std::string_view piece) const {
+        if (!tree_ || current_ == nullptr) return {};
+        const std::string_view text = current_->text;
+        if (piece.data() < text.data() || piece.data() + piece.size() > text.data() + text.size())
+            return {line_ + firstLine_, 0, 0};
+        const auto offset = static_cast<std::size_t>(piece.data() - text.data());
+        const PhysicalPosition start = PositionIn(*current_, offset);
+        std::size_t length = piece.size();
+        if (!piece.empty() && PositionIn(*current_, offset + piece.size() - 1).line != start.line)
+            length = FirstWord(piece).size();
+        return {start.line + firstLine_, start.column, static_cast<std::int32_t>(length)};
+    }
+
+    std::int32_t InnermostBlock() const {
+        std::int32_t innermost = top_ >= 0 ? nodes_[static_cast<std::size_t>(top_)].block : -1;
+        if (!conditionals_.empty()) innermost = std::max(innermost, conditionals_.back().block);
+        return innermost;
+    }
+
+    std::int32_t NewBlock(BlockKind kind, std::string_view keywords, std::string_view name) {
+        if (!tree_) return -1;
+        Block block;
+        block.kind = kind;
+        block.name = name.empty() ? statement_ : name;
+        block.opener = SpanOf(keywords);
+        block.nameSpan = name.empty() ? block.opener : SpanOf(name);
+        const std::size_t statementEnd =
+            static_cast<std::size_t>(statement_.data() - current_->text.data()) +
+            std::max<std::size_t>(statement_.size(), 1) - 1;
+        block.openerEndLine = PositionIn(*current_, statementEnd).line + firstLine_;
+        block.lastLine = block.openerEndLine;
+        block.parent = InnermostBlock();
+        blocks_.push_back(std::move(block));
+        return static_cast<std::int32_t>(blocks_.size() - 1);
+    }
+
+    void AddMiddle(std::int32_t block, std::string_view keyword) {
+        if (block >= 0) blocks_[static_cast<std::size_t>(block)].middles.push_back(SpanOf(keyword));
+    }
+
+    void MarkClosed(std::int32_t entry) {
+        CloseBlock(nodes_[static_cast<std::size_t>(entry)].block);
+    }
+
+    // A block closed in several `#If` branches keeps the first closer and reaches the last.
+    void CloseBlock(std::int32_t at) {
+        if (at < 0) return;
+        Block& block = blocks_[static_cast<std::size_t>(at)];
+        if (!block.closer) block.closer = closer_;
+        block.lastLine = std::max(block.lastLine, closer_.line);
+    }
+
+    // A block never closed reaches the line before the statement that cut it off.
+    void CutAt(std::int32_t at, std::int32_t noticed) {
+        if (at < 0) return;
+        Block& block = blocks_[static_cast<std::size_t>(at)];
+        if (block.closer) return;
+        block.lastLine = std::max(block.lastLine, noticed - 1 + firstLine_);
+    }
+
+    static void LinkChildren(BlockTree& tree) {
+        for (std::size_t i = 0; i < tree.blocks.size(); ++i) {
+            const std::int32_t parent = tree.blocks[i].parent;
+            const auto index = static_cast<std::int32_t>(i);
+            if (parent < 0) {
+                tree.roots.push_back(index);
+            } else {
+                tree.blocks[static_cast<std::size_t>(parent)].children.push_back(index);
+            }
+        }
     }
 
     // ---- findings ----
@@ -639,6 +832,13 @@ class Checker {
     }
 
     std::int32_t firstLine_;
+    bool tree_;
+    const LogicalLine* current_ = nullptr;
+    std::string_view statement_;  // the statement being read
+    std::string_view continued_;  // what remains of it after `Then` or `Else`
+    bool continuedLast_ = false;
+    Span closer_;  // the closing keywords of the statement being read
+    std::vector<Block> blocks_;
     std::int32_t line_ = 0;
     std::int32_t indent_ = 0;
     bool singleLine_ = false;
@@ -667,6 +867,8 @@ std::string_view RuleId(BlockRule rule) {
             return "statement-before-case";
         case BlockRule::ConditionalBranches:
             return "conditional-branches";
+        case BlockRule::MismatchedProcedureEnd:
+            return "mismatched-procedure-end";
     }
     return "unknown";
 }
@@ -687,12 +889,17 @@ std::string_view RuleDescription(BlockRule rule) {
             return "A statement between Select Case and its first Case";
         case BlockRule::ConditionalBranches:
             return "#If branches that leave different blocks open";
+        case BlockRule::MismatchedProcedureEnd:
+            return "A procedure closed by the end of another kind of procedure, which VB6 "
+                   "accepts";
     }
     return "";
 }
 
-std::vector<BlockFinding> CheckBlocks(std::string_view code, std::int32_t firstLine) {
-    Checker checker(firstLine);
+namespace {
+
+BlockTree Parse(std::string_view code, std::int32_t firstLine, bool buildTree) {
+    Checker checker(firstLine, buildTree);
     LineReader reader(code);
     LogicalLine line;
     std::int32_t lines = 0;
@@ -701,6 +908,27 @@ std::vector<BlockFinding> CheckBlocks(std::string_view code, std::int32_t firstL
         lines = line.lastLine + 1;
     }
     return checker.Finish(code, lines);
+}
+
+}  // namespace
+
+bool IsProcedureKind(BlockKind kind) {
+    return kind == BlockKind::Sub || kind == BlockKind::Function ||
+           kind == BlockKind::PropertyGet || kind == BlockKind::PropertyLet ||
+           kind == BlockKind::PropertySet;
+}
+
+bool IsWarning(BlockRule rule) {
+    return rule == BlockRule::MismatchedProcedureEnd;
+}
+
+BlockTree ParseBlocks(std::string_view code, std::int32_t firstLine) {
+    return Parse(code, firstLine, true);
+}
+
+// The same pass without recording the tree, which `check` does not need.
+std::vector<BlockFinding> CheckBlocks(std::string_view code, std::int32_t firstLine) {
+    return Parse(code, firstLine, false).findings;
 }
 
 }  // namespace arbolet::analysis::vb6

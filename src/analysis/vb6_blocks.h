@@ -22,6 +22,8 @@ enum class BlockRule : std::uint8_t {
     MismatchedEnd,        // `End Sub` closing a `Function`, `End Enum` closing a `Type`
     StatementBeforeCase,  // a statement between `Select Case` and its first `Case`
     ConditionalBranches,  // `#If` branches that leave different blocks open
+    // `End Sub` closing a `Function` or `Property`: VB6 accepts it, so it is only a warning.
+    MismatchedProcedureEnd,
 };
 
 // The stable rule id shown in every output format.
@@ -31,8 +33,11 @@ std::string_view RuleDescription(BlockRule rule);
 inline constexpr BlockRule kAllBlockRules[] = {
     BlockRule::UnclosedBlock,       BlockRule::UnmatchedEnd,  BlockRule::MisplacedBranch,
     BlockRule::NextNesting,         BlockRule::MismatchedEnd, BlockRule::StatementBeforeCase,
-    BlockRule::ConditionalBranches,
+    BlockRule::ConditionalBranches, BlockRule::MismatchedProcedureEnd,
 };
+
+// Whether the rule's findings are warnings (code that compiles) rather than errors.
+bool IsWarning(BlockRule rule);
 
 struct BlockFinding {
     BlockRule rule = BlockRule::UnclosedBlock;

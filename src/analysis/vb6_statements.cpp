@@ -42,6 +42,7 @@ bool LineReader::Next(LogicalLine& line) {
     if (position_ >= source_.size()) return false;
     line.firstLine = physical_;
     std::string_view physical = PhysicalLine();
+    line.joins = {};
     if (!EndsWithContinuation(physical) || position_ >= source_.size()) {
         line.text = physical;
         line.lastLine = physical_ - 1;
@@ -49,16 +50,26 @@ bool LineReader::Next(LogicalLine& line) {
     }
     // A continued statement: the pieces are joined with the `_` turned into a blank.
     joined_.clear();
+    joins_.clear();
     while (EndsWithContinuation(physical) && position_ < source_.size()) {
         const auto underscore = physical.find_last_of('_');
         joined_.append(physical.substr(0, underscore));
         joined_ += ' ';
+        joins_.push_back(static_cast<std::uint32_t>(joined_.size()));
         physical = PhysicalLine();
     }
     joined_.append(physical);
     line.text = joined_;
+    line.joins = joins_;
     line.lastLine = physical_ - 1;
     return true;
+}
+
+PhysicalPosition PositionIn(const LogicalLine& line, std::size_t offset) {
+    const auto after = std::upper_bound(line.joins.begin(), line.joins.end(), offset);
+    const auto piece = static_cast<std::int32_t>(after - line.joins.begin());
+    const std::size_t start = piece == 0 ? 0 : line.joins[static_cast<std::size_t>(piece - 1)];
+    return {line.firstLine + piece, static_cast<std::int32_t>(offset - start)};
 }
 
 std::size_t LineEndLength(std::string_view rest) {

@@ -7,8 +7,10 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace arbolet::analysis::vb6 {
 
@@ -17,7 +19,19 @@ struct LogicalLine {
     std::string_view text;       // a slice of the source, or of a joined copy
     std::int32_t firstLine = 0;  // 0-based physical line of its start
     std::int32_t lastLine = 0;   // 0-based physical line of its end
+    // Joined lines: where each physical line after the first begins in `text` (it begins at
+    // column 0 of its physical line; the first one's `_` became the blank before it). Valid
+    // until the next line is read.
+    std::span<const std::uint32_t> joins;
 };
+
+struct PhysicalPosition {
+    std::int32_t line = 0;    // 0-based physical line
+    std::int32_t column = 0;  // byte offset in it
+};
+
+// The physical line and column of a byte offset into a logical line's text.
+PhysicalPosition PositionIn(const LogicalLine& line, std::size_t offset);
 
 // The length of the line end at the start of `rest`: CR CR LF (left by a double conversion) and
 // CRLF are one line end each, like LF and a lone CR.
@@ -38,6 +52,7 @@ class LineReader {
     std::size_t position_ = 0;
     std::int32_t physical_ = 0;
     std::string joined_;
+    std::vector<std::uint32_t> joins_;
 };
 
 // Whether a physical line ends with a continuation: a `_` after a blank (or alone), then only

@@ -71,8 +71,10 @@ void AddVb6Findings(std::string_view bytes, const disk::CodeLocation& code, int 
     };
     for (auto& block :
          analysis::vb6::CheckBlocks(bytes.substr(code.codeOffset), code.firstCodeLine + 1)) {
-        Finding finding = MakeFinding(shown, block.line, "error", analysis::vb6::RuleId(block.rule),
-                                      decoded(std::move(block.message)));
+        const char* severity = analysis::vb6::IsWarning(block.rule) ? "warning" : "error";
+        Finding finding =
+            MakeFinding(shown, block.line, severity, analysis::vb6::RuleId(block.rule),
+                        decoded(std::move(block.message)));
         finding.relatedLine = block.relatedLine;
         finding.relatedText = decoded(std::move(block.relatedText));
         finding.fingerprint = Fingerprint(decoded(std::string(lineText(block.line))));

@@ -16,5 +16,6 @@ void AddFoldersCommand(CLI::App& app, CliContext& context);
 void AddRenameCommand(CLI::App& app, CliContext& context);
 void AddAddCommand(CLI::App& app, CliContext& context);
 void AddComponentCommands(CLI::App& app, CliContext& context);
+void AddLspCommand(CLI::App& app, CliContext& context);
 
 }  // namespace arbolet::cli

@@ -6,6 +6,7 @@
 #include "cli/cli_context.h"
 #include "cli/commands.h"
 #include "cli/project_loading.h"
+#include "explorer/project_edits.h"
 
 namespace arbolet::cli {
 namespace {
@@ -27,32 +28,15 @@ void FinishChange(CliContext& context, LoadedTree& loaded, const explorer::Outco
     SaveChanges(context, *loaded.environment);
 }
 
-// The tree traps the environment's errors, so the reason for a refused name is asked of the
-// same rule the environment applies.
-void ExplainRefusedName(CliContext& context, const env::VBProject& project,
-                        const RenameOptions& options) {
-    const auto components = project.VBComponents();
-    std::string why = "the name was refused";
-    try {
-        const env::VBComponentRef component = components->Item(options.component);
-        env::CheckComponentName(*components, options.newName, component.get());
-    } catch (const VbError& error) {
-        why = error.Description;
-    }
-    context.err << "arbolet: " << project.Name() << " does not take '" << options.newName
-                << "' as a component name: " << why << "\n";
-}
-
 void RunRename(CliContext& context, const RenameOptions& options) {
     auto environment = OpenOneProject(options.project, "rename", context);
     if (!environment) return;
     LoadedTree loaded(environment, context);
     const env::VBProjectRef project = environment->VBProjects()->Item(1);
-    const tree::NodeRef node = ComponentNode(context, loaded, *project, options.component);
-    if (!node) return;
-    const explorer::Outcome outcome = loaded.explorer.AfterLabelEdit(*node, options.newName);
-    if (!outcome.done()) ExplainRefusedName(context, *project, options);
-    FinishChange(context, loaded, outcome);
+    explorer::EditContext edits{loaded.explorer, loaded.view, loaded.ui};
+    FinishChange(
+        context, loaded,
+        explorer::RenameComponentNamed(edits, *project, options.component, options.newName));
 }
 
 void RunAdd(CliContext& context, const AddOptions& options) {

@@ -10,6 +10,7 @@
 #include "cli/project_loading.h"
 #include "disk/file_io.h"
 #include "disk/vb_path.h"
+#include "explorer/project_edits.h"
 
 namespace arbolet::cli {
 namespace {
@@ -27,33 +28,13 @@ struct FoldersOptions {
     CLI::App* move = nullptr;
 };
 
-// The folders the project lists and those its components name: lower-cased name to the
-// spelling first found.
-std::map<std::string, std::string> CustomFolders(const env::VBProject& project) {
-    std::map<std::string, std::string> folders;
-    const auto add = [&](std::string_view name) {
-        if (!name.empty()) folders.emplace(text::ToLower(name), std::string(name));
-    };
-    const std::string list = explorer::ProjectExplorer::ReadFolderList(project);
-    std::size_t start = 0;
-    for (std::size_t end = list.find(';'); end != std::string::npos; end = list.find(';', start)) {
-        add(text::Trim(std::string_view(list).substr(start, end - start)));
-        start = end + 1;
-    }
-    add(text::Trim(std::string_view(list).substr(start)));
-    const auto components = project.VBComponents();
-    for (std::int32_t i = 1; components && i <= components->Count(); ++i) {
-        try {
-            add(components->Item(i)->ReadProperty(explorer::kFolderProperty));
-        } catch (const VbError&) {
-        }
-    }
-    return folders;
+explorer::EditContext EditsOf(LoadedTree& loaded) {
+    return {loaded.explorer, loaded.view, loaded.ui};
 }
 
 // The custom folders in tree order, each with its components.
 void ListFolders(CliContext& context, LoadedTree& loaded, const env::VBProject& project) {
-    const auto custom = CustomFolders(project);
+    const auto custom = explorer::CustomFolders(project);
     const tree::NodeRef projectNode =
         loaded.view.Nodes().Item(explorer::ProjectKey(project.Name()));
     bool any = false;
@@ -68,63 +49,18 @@ void ListFolders(CliContext& context, LoadedTree& loaded, const env::VBProject& 
     if (!any) context.out << "(no custom folders)\n";
 }
 
-bool RefuseInvalidName(CliContext& context, LoadedTree& loaded, const std::string& name) {
-    if (explorer::IsValidFolderName(name)) return false;
-    loaded.ui.MsgBox("Not a valid folder name, please try again.",
-                     explorer::MsgBoxIcon::Information, "Invalid Folder Name");
-    context.Fail(kExitFindings);
-    return true;
-}
-
-// Whether the tree shows a folder of that name (ignoring case): a custom folder or a fixed group.
-bool IsShownFolder(LoadedTree& loaded, const env::VBProject& project, std::string_view name) {
-    const tree::NodeRef projectNode =
-        loaded.view.Nodes().Item(explorer::ProjectKey(project.Name()));
-    for (tree::NodeRef folder = projectNode->Child(); folder; folder = folder->Next()) {
-        if (text::ToLower(folder->Text()) == text::ToLower(name)) return true;
-    }
-    return false;
-}
-
-// A move to a folder that does not exist is most likely a typing mistake; it makes a new folder
-// only when asked to.
-bool RefuseUnknownTarget(CliContext& context, LoadedTree& loaded, const env::VBProject& project,
-                         const FoldersOptions& options) {
-    if (options.create || options.folder.empty() || explorer::IsFixedGroupName(options.folder) ||
-        CustomFolders(project).contains(text::ToLower(options.folder)) ||
-        IsShownFolder(loaded, project, options.folder)) {
-        return false;
-    }
-    context.err << "arbolet: " << project.Name() << " has no folder named '" << options.folder
-                << "'; give --create to make it\n";
-    context.Fail(kExitFindings);
-    return true;
-}
-
 // Renames the folder as an edit of its caption in the tree would; a fixed group's components
 // move into a custom folder of the new name.
 bool RenameFolder(CliContext& context, LoadedTree& loaded, env::VBProject& project,
                   const FoldersOptions& options) {
-    const tree::NodeRef projectNode =
-        loaded.view.Nodes().Item(explorer::ProjectKey(project.Name()));
-    tree::NodeRef folder = projectNode->Child();
-    while (folder && text::ToLower(folder->Text()) != text::ToLower(options.name))
-        folder = folder->Next();
-    if (!folder) {
-        context.err << "arbolet: " << project.Name() << " has no folder named '" << options.name
-                    << "'\n";
-        context.Fail(kExitFindings);
+    auto edits = EditsOf(loaded);
+    bool merged = false;
+    if (!Report(
+            context, loaded.ui,
+            explorer::RenameFolderNamed(edits, project, options.name, options.newName, merged))) {
         return false;
     }
-    const auto existing = CustomFolders(project);
-    const auto target = existing.find(text::ToLower(options.newName));
-    const bool merges =
-        text::ToLower(options.newName) != text::ToLower(options.name) &&
-        (target != existing.end() || IsShownFolder(loaded, project, options.newName));
-    if (!Report(context, loaded.ui, loaded.explorer.AfterLabelEdit(*folder, options.newName))) {
-        return false;
-    }
-    if (merges) {
+    if (merged) {
         context.err << "arbolet: '" << options.newName << "' already existed: the components of '"
                     << options.name << "' were merged into it\n";
     }
@@ -134,43 +70,21 @@ bool RenameFolder(CliContext& context, LoadedTree& loaded, env::VBProject& proje
 // Runs the chosen change; false when it was refused.
 bool Change(CliContext& context, LoadedTree& loaded, env::VBProject& project,
             const FoldersOptions& options) {
-    if (options.rename->parsed()) {
-        return RenameFolder(context, loaded, project, options);
-    }
+    auto edits = EditsOf(loaded);
+    if (options.rename->parsed()) return RenameFolder(context, loaded, project, options);
     if (options.add->parsed()) {
-        if (RefuseInvalidName(context, loaded, options.name)) return false;
-        loaded.explorer.AddFolder(project, options.name);
-    } else if (options.remove->parsed()) {
-        // The folder is taken as it is spelt in the project, whatever the case typed. Removing
-        // a fixed group would write an empty folder into every component of its kind.
-        const auto folders = CustomFolders(project);
-        const auto found = folders.find(text::ToLower(options.name));
-        if (found == folders.end()) {
-            context.err << "arbolet: '" << options.name << "' is not a custom folder of "
-                        << project.Name() << '\n';
-            context.Fail(kExitFindings);
-            return false;
-        }
-        loaded.explorer.RemoveFolder(project, found->second);
-    } else {
-        env::VBComponentRef component;
-        try {
-            component = project.VBComponents()->Item(options.component);
-        } catch (const VbError&) {
-            context.err << "arbolet: " << project.Name() << " has no component named '"
-                        << options.component << "'\n";
-            context.Fail(kExitFindings);
-            return false;
-        }
-        // An empty folder name takes the component back to the fixed group of its kind.
-        if (!options.folder.empty() && RefuseInvalidName(context, loaded, options.folder)) {
-            return false;
-        }
-        if (RefuseUnknownTarget(context, loaded, project, options)) return false;
-        return Report(context, loaded.ui,
-                      loaded.explorer.SetComponentFolder(*component, options.folder));
+        return Report(context, loaded.ui, explorer::AddFolderNamed(edits, project, options.name));
     }
-    return true;
+    if (options.remove->parsed()) {
+        return Report(context, loaded.ui,
+                      explorer::RemoveFolderNamed(edits, project, options.name));
+    }
+    explorer::Outcome outcome = explorer::MoveComponentNamed(edits, project, options.component,
+                                                             options.folder, options.create);
+    if (outcome.message() == explorer::NoSuchFolderMessage(project, options.folder)) {
+        outcome = explorer::Outcome::Refused(outcome.message() + "; give --create to make it");
+    }
+    return Report(context, loaded.ui, outcome);
 }
 
 void RunFolders(CliContext& context, const FoldersOptions& options) {

@@ -6,6 +6,7 @@
 #include "cli/cli_context.h"
 #include "disk/file_io.h"
 #include "disk/vb_path.h"
+#include "explorer/project_edits.h"
 
 namespace arbolet::cli {
 
@@ -76,15 +77,9 @@ bool Report(CliContext& context, const TerminalUi& ui, const explorer::Outcome& 
 
 tree::NodeRef ComponentNode(CliContext& context, LoadedTree& loaded, const env::VBProject& project,
                             const std::string& name) {
-    try {
-        const auto component = project.VBComponents()->Item(name);
-        const std::string key =
-            explorer::ComponentKey(explorer::ComponentDisplayName(*component), project.Name());
-        if (loaded.view.Nodes().Exists(key)) return loaded.view.Nodes().Item(key);
-    } catch (const VbError&) {
-        // Reported below, as for a name the project does not hold.
-    }
-    context.err << "arbolet: " << project.Name() << " has no component named '" << name << "'\n";
+    explorer::EditContext edits{loaded.explorer, loaded.view, loaded.ui};
+    if (tree::NodeRef node = explorer::ComponentNodeNamed(edits, project, name)) return node;
+    context.err << "arbolet: " << explorer::NoSuchComponentMessage(project, name) << '\n';
     context.Fail(kExitFindings);
     return nullptr;
 }

@@ -144,8 +144,29 @@ TEST(Vb6Blocks, ClosersWithoutOpenersAndMismatches) {
     const auto findings = CheckBlocks(Lines({"Function F()", "End Sub"}));
     ASSERT_EQ(findings.size(), 1u);
     EXPECT_EQ(findings[0].message, "`End Sub` at line 2 closes `Function` opened at line 1");
-    EXPECT_EQ(findings[0].rule, BlockRule::MismatchedEnd);
+    // VB6 accepts a procedure closed by another kind's end: a warning, not an error.
+    EXPECT_EQ(findings[0].rule, BlockRule::MismatchedProcedureEnd);
+    EXPECT_TRUE(IsWarning(findings[0].rule));
     EXPECT_EQ(findings[0].relatedLine, 1);
+    const auto property = CheckBlocks(Lines({"Property Get P() As Long", "End Function"}));
+    ASSERT_EQ(property.size(), 1u);
+    EXPECT_EQ(property[0].rule, BlockRule::MismatchedProcedureEnd);
+    // A Type closed by `End Enum` does not compile: still an error.
+    const auto type = CheckBlocks(Lines({"Type T", "    a As Long", "End Enum"}));
+    ASSERT_EQ(type.size(), 1u);
+    EXPECT_EQ(type[0].rule, BlockRule::MismatchedEnd);
+    EXPECT_FALSE(IsWarning(type[0].rule));
+}
+
+TEST(Vb6Blocks, TypeAndEnumMembersNamedLikeKeywordsAreMembers) {
+    EXPECT_EQ(Messages(Lines({"Private Type T", "    Type As Long", "    Next As Long",
+                              "    sUB As Long", "    Function(3) As Byte", "    Property As Long",
+                              "    Enum As Integer", "End Type", "Enum E", "    Type = 1",
+                              "    Sub", "    Property", "End Enum"})),
+              Texts{});
+    // A real header inside a Type still ends it.
+    EXPECT_EQ(Messages(Lines({"Type T", "    a As Long", "Sub S()", "End Sub"})),
+              Texts{"`Type` at line 1 has no `End Type` (probably before line 3)"});
 }
 
 TEST(Vb6Blocks, NextNamesTheLoopItCloses) {
@@ -216,6 +237,10 @@ TEST(Vb6Blocks, HostileInputStaysLinearAndNeverFails) {
     for (int i = 0; i < 30000; ++i)
         deep += "If a Then\n";
     EXPECT_EQ(CheckBlocks(deep).size(), 30000u);
+    std::string singleLine = "Sub A()\n";
+    for (int i = 0; i < 200000; ++i)
+        singleLine += "If a Then Else ";
+    EXPECT_EQ(Messages(singleLine + "\nEnd Sub\n"), Texts{});
     std::string conditionals;
     for (int i = 0; i < 20000; ++i)
         conditionals += "#If A Then\nFor i = 1 To 2\n#Else\n";
