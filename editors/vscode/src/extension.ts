@@ -142,6 +142,8 @@ export async function deactivate(): Promise<void> {
 
 async function startFailed(message: string): Promise<void> {
   await vscode.commands.executeCommand('setContext', 'arbolet.serverFailed', true);
+  // An empty view shows its welcome text, which offers to set the path.
+  vscode.window.registerTreeDataProvider(viewId, { getTreeItem: (e: vscode.TreeItem) => e, getChildren: () => [] });
   const choice = await vscode.window.showErrorMessage(message, 'Set path');
   if (choice === 'Set path') await vscode.commands.executeCommand('workbench.action.openSettings', 'arbolet.path');
 }
