@@ -59,6 +59,9 @@ const check = (what, ok, detail = '') => { results.push(`${ok ? 'PASS' : 'FAIL'}
       if (l === label) return r;
     }
   };
+  // Fold modLegacy's folder so that modStock is on screen (the list draws only visible rows).
+  await (await (await rowNamed('Data Access'))?.$('.monaco-tl-twistie'))?.click();
+  await sleep(1000);
   await (await rowNamed('modStock'))?.click();
   await sleep(3000);
   await setOpen('Outline', true);
@@ -71,6 +74,8 @@ const check = (what, ok, detail = '') => { results.push(`${ok ? 'PASS' : 'FAIL'}
   await setOpen('Outline', false);
 
   // modLegacy's diagnostics in the Problems panel.
+  await (await (await rowNamed('Data Access'))?.$('.monaco-tl-twistie'))?.click();
+  await sleep(1000);
   await (await rowNamed('modLegacy'))?.click();
   await sleep(2000);
   await page.keyboard.down('Control'); await page.keyboard.down('Shift'); await page.keyboard.press('KeyM');
