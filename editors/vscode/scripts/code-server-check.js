@@ -85,6 +85,25 @@ const check = (what, ok, detail = '') => { results.push(`${ok ? 'PASS' : 'FAIL'}
   check('modLegacy has diagnostics in Problems', problems.some((p) => /If|Next|Wend|Loop/.test(p)), problems.slice(0, 4).join(' | '));
   await page.screenshot({ path: `${out}/code-server-4-problems.png` });
 
+  // Reveal in VB6 Projects from the command palette selects the open file's component.
+  await (await (await rowNamed('Data Access'))?.$('.monaco-tl-twistie'))?.click();
+  await sleep(500);
+  // Another node is selected first, so that only the command can select modLegacy.
+  await (await rowNamed('Inventory'))?.click();
+  await sleep(500);
+  await page.click('.editor-instance .view-lines');
+  await page.keyboard.press('F1');
+  await sleep(800);
+  await page.keyboard.type('Reveal in VB6 Projects');
+  await sleep(800);
+  await page.keyboard.press('Enter');
+  await sleep(2000);
+  const selected = await page.$$eval('.pane-body .monaco-list-row.selected', (els) => els.map((e) => (e.querySelector('.label-name')?.textContent ?? '').trim()));
+  await page.screenshot({ path: `${out}/code-server-5-reveal.png` });
+  const active = await page.$$eval('.tab.active', (els) => els.map((e) => e.getAttribute('aria-label')));
+  console.log('active tabs:', active);
+  check('Reveal in VB6 Projects selects modLegacy', selected.includes('modLegacy'), selected.join(' | '));
+
   // Move modStock to Archive through the context menu.
   const stock = await rowNamed('modStock');
   await stock.click({ button: 'right' });
@@ -97,14 +116,14 @@ const check = (what, ok, detail = '') => { results.push(`${ok ? 'PASS' : 'FAIL'}
   }
   check('the context menu has Move to Folder…', clicked);
   await sleep(1000);
-  await page.screenshot({ path: `${out}/code-server-5-quickpick.png` });
+  await page.screenshot({ path: `${out}/code-server-6-quickpick.png` });
   await page.keyboard.type('Archive');
   await page.keyboard.press('Enter');
   await sleep(3000);
   const listing = execFileSync(arbolet, ['folders', process.env.FOLDER + '/Inventory.vbp'], { encoding: 'utf8' });
   check('the .vbp has modStock in Archive', /Archive[\s\S]*modStock/.test(listing.split('\n').filter((l) => /Archive|modStock|^\S/.test(l)).join('\n')), listing.replace(/\n/g, ' / '));
   rows = await treeRows();
-  await page.screenshot({ path: `${out}/code-server-6-moved.png` });
+  await page.screenshot({ path: `${out}/code-server-7-moved.png` });
   console.log('rows after the move:', rows.join(' | '));
   await browser.close();
   console.log(results.join("\n"));
