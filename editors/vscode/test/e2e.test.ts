@@ -6,7 +6,7 @@
 import './useFakeVscode';
 import { after, before, test } from 'node:test';
 import * as assert from 'node:assert/strict';
-import { ChildProcess, execFileSync, spawn } from 'node:child_process';
+import { ChildProcess, execFileSync, spawn, spawnSync } from 'node:child_process';
 import * as fs from 'node:fs';
 import * as os from 'node:os';
 import * as path from 'node:path';
@@ -70,6 +70,11 @@ before(async () => {
   fs.cpSync(path.join(repo, 'examples/Inventory'), path.join(work, 'Inventory'), { recursive: true });
   expectedDir = path.join(work, 'expected');
   fs.cpSync(path.join(repo, 'examples/Inventory'), expectedDir, { recursive: true });
+  const help = spawnSync(arbolet, ['lsp', '--help'], { encoding: 'utf8' });
+  if (help.status !== 0) {
+    startError = `${arbolet} has no lsp command: ${(help.stderr || help.stdout || String(help.error)).trim()}`;
+    return;
+  }
   child = spawn(arbolet, ['lsp'], { cwd: work, stdio: ['pipe', 'pipe', 'pipe'] });
   child.stderr!.on('data', (d) => stderr.push(String(d)));
   const exited = new Promise<string>((resolve) => child!.on('close', (code, signal) => resolve(`arbolet lsp exited (${code ?? signal})`)));
