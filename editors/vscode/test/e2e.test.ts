@@ -360,3 +360,26 @@ test('Rename Component changes the files exactly as arbolet rename does, and the
   assert.ok(cliMessage !== '' && cliMessage.includes(vscode.recorded.errors[0]), `"${vscode.recorded.errors[0]}" is not the CLI's "${cliMessage}"`);
   assertSameFiles('a refused rename');
 });
+
+test('a change to the .vbp made elsewhere reaches the view through arbolet/projectTreeChanged', async (t) => {
+  if (!requireServer(t)) return;
+  const vbp = path.join(work, 'Inventory', 'Inventory.vbp');
+  // The provider is the one listener of the notification (a connection keeps one per method), so
+  // the test watches the view itself: it must change without being asked to refresh.
+  const fired: unknown[] = [];
+  provider.onDidChangeTreeData((e) => fired.push(e));
+  // Another program moves clsItem; VS Code's file watcher tells the server, as the client is set up to.
+  run('folders', vbp, 'move', 'clsItem', 'Reports');
+  await connection!.sendNotification('workspace/didChangeWatchedFiles', { changes: [{ uri: fileUri(vbp), type: 2 }] });
+  const inReports = async () => {
+    const reports = (await provider.getChildren()).flatMap((p) => (p.type === 'project' ? p.children : []));
+    const folder = reports.find((f) => f.type === 'folder' && f.node.text === 'Reports');
+    return folder !== undefined && (await provider.getChildren(folder)).some((c) => c.type === 'component' && c.node.text === 'clsItem');
+  };
+  const deadline = Date.now() + timeoutMs;
+  while (!(await inReports())) {
+    assert.ok(Date.now() < deadline, 'the view did not show clsItem in Reports after the server was told of the change');
+    await new Promise((r) => setTimeout(r, 100));
+  }
+  assert.ok(fired.length >= 1, 'the view was told to redraw');
+});
