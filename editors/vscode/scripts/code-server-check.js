@@ -10,7 +10,8 @@
 //   ln -s node_modules node_modules.asar; (cd extensions && npm install --omit=dev --ignore-scripts)
 //   node out/node/entry.js --install-extension arbolet-vb6-VERSION.vsix
 //   node out/node/entry.js --bind-addr 127.0.0.1:8123 --auth none FOLDER   (a copy of examples/Inventory,
-//     with "arbolet.path" in the user settings when the .vsix holds no arbolet)
+//     with "arbolet.path" in the user settings when the .vsix holds no arbolet, and
+//     "arbolet.followCursor": true in FOLDER/.vscode/settings.json)
 //   NODE_PATH=/tmp/cs/node_modules ARBOLET=... FOLDER=... node scripts/code-server-check.js
 const puppeteer = require('puppeteer-core');
 const fs = require('fs');
@@ -76,7 +77,12 @@ const check = (what, ok, detail = '') => { results.push(`${ok ? 'PASS' : 'FAIL'}
   // modLegacy's diagnostics in the Problems panel.
   await (await (await rowNamed('Data Access'))?.$('.monaco-tl-twistie'))?.click();
   await sleep(1000);
-  await (await rowNamed('modLegacy'))?.click();
+  // Quick Open, not the tree: a row clicked while the tree redraws can miss.
+  await page.keyboard.down('Control'); await page.keyboard.press('KeyP'); await page.keyboard.up('Control');
+  await sleep(800);
+  await page.keyboard.type('modLegacy.bas');
+  await sleep(800);
+  await page.keyboard.press('Enter');
   await sleep(2000);
   await page.keyboard.down('Control'); await page.keyboard.down('Shift'); await page.keyboard.press('KeyM');
   await page.keyboard.up('Shift'); await page.keyboard.up('Control');
@@ -85,13 +91,20 @@ const check = (what, ok, detail = '') => { results.push(`${ok ? 'PASS' : 'FAIL'}
   check('modLegacy has diagnostics in Problems', problems.some((p) => /If|Next|Wend|Loop/.test(p)), problems.slice(0, 4).join(' | '));
   await page.screenshot({ path: `${out}/code-server-4-problems.png` });
 
-  // Reveal in VB6 Projects from the command palette selects the open file's component.
   await (await (await rowNamed('Data Access'))?.$('.monaco-tl-twistie'))?.click();
   await sleep(500);
-  // Another node is selected first, so that only the command can select modLegacy.
-  await (await rowNamed('Inventory'))?.click();
-  await sleep(500);
-  await page.click('.editor-instance .view-lines');
+  // With arbolet.followCursor (set in the folder's settings), a click on line 20 of modLegacy
+  // selects the innermost block there, "For j = 1 To 10".
+  const lineTops = await page.$$eval('.editor-instance .view-line', (els) =>
+    els.map((e) => ({ top: e.getBoundingClientRect().top, left: e.getBoundingClientRect().left })).sort((a, b) => a.top - b.top));
+  if (lineTops.length >= 20) await page.mouse.click(lineTops[19].left + 60, lineTops[19].top + 5);
+  await sleep(2000);
+  await page.screenshot({ path: `${out}/code-server-5-follow.png` });
+  const followed = await page.$$eval('.pane-body .monaco-list-row.selected', (els) => els.map((e) => (e.querySelector('.label-name')?.textContent ?? '').trim()));
+  check('following the cursor selects For j on line 20', followed.includes('For j = 1 To 10'), followed.join(' | '));
+
+  // Reveal in VB6 Projects from the command palette selects the open file's component.
+  // Following the cursor left "For j" selected, so only the command can select modLegacy.
   await page.keyboard.press('F1');
   await sleep(800);
   await page.keyboard.type('Reveal in VB6 Projects');
@@ -99,7 +112,7 @@ const check = (what, ok, detail = '') => { results.push(`${ok ? 'PASS' : 'FAIL'}
   await page.keyboard.press('Enter');
   await sleep(2000);
   const selected = await page.$$eval('.pane-body .monaco-list-row.selected', (els) => els.map((e) => (e.querySelector('.label-name')?.textContent ?? '').trim()));
-  await page.screenshot({ path: `${out}/code-server-5-reveal.png` });
+  await page.screenshot({ path: `${out}/code-server-6-reveal.png` });
   const active = await page.$$eval('.tab.active', (els) => els.map((e) => e.getAttribute('aria-label')));
   console.log('active tabs:', active);
   check('Reveal in VB6 Projects selects modLegacy', selected.includes('modLegacy'), selected.join(' | '));
@@ -116,14 +129,14 @@ const check = (what, ok, detail = '') => { results.push(`${ok ? 'PASS' : 'FAIL'}
   }
   check('the context menu has Move to Folder…', clicked);
   await sleep(1000);
-  await page.screenshot({ path: `${out}/code-server-6-quickpick.png` });
+  await page.screenshot({ path: `${out}/code-server-7-quickpick.png` });
   await page.keyboard.type('Archive');
   await page.keyboard.press('Enter');
   await sleep(3000);
   const listing = execFileSync(arbolet, ['folders', process.env.FOLDER + '/Inventory.vbp'], { encoding: 'utf8' });
   check('the .vbp has modStock in Archive', /Archive[\s\S]*modStock/.test(listing.split('\n').filter((l) => /Archive|modStock|^\S/.test(l)).join('\n')), listing.replace(/\n/g, ' / '));
   rows = await treeRows();
-  await page.screenshot({ path: `${out}/code-server-7-moved.png` });
+  await page.screenshot({ path: `${out}/code-server-8-moved.png` });
   console.log('rows after the move:', rows.join(' | '));
   await browser.close();
   console.log(results.join("\n"));
