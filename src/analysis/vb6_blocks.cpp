@@ -209,7 +209,7 @@ class Checker {
     void Line(const LogicalLine& line) {
         current_ = &line;
         line_ = line.firstLine;
-        indent_ = IndentOf(line.text);
+        indent_ = -1;  // measured when a block opens or a `Next` needs it
         singleLine_ = false;
         ForEachStatement(line.text, [&](const Statement& statement) {
             std::string_view text = statement.text;
@@ -449,7 +449,7 @@ class Checker {
         const std::int32_t named = FindFrom(
             nearest.parent,
             [&](const Entry& e) { return IsLoop(e.kind) && SameName(e.variable, variable); }, true);
-        if (named >= 0 && nodes_[static_cast<std::size_t>(named)].indent == indent_) {
+        if (named >= 0 && nodes_[static_cast<std::size_t>(named)].indent == Indent()) {
             CloseDownTo(named);
             return true;
         }
@@ -590,7 +590,7 @@ class Checker {
         Entry entry;
         entry.kind = kind;
         entry.line = line_;
-        entry.indent = indent_;
+        entry.indent = Indent();
         entry.variable = variable;
         entry.block = NewBlock(BlockKindOf(kind), keywords, {});
         Push(std::move(entry));
@@ -602,7 +602,7 @@ class Checker {
         Entry entry;
         entry.kind = header.kind;
         entry.line = line_;
-        entry.indent = indent_;
+        entry.indent = Indent();
         entry.block = NewBlock(header.blockKind, header.keywords, header.name);
         Push(std::move(entry));
     }
@@ -707,8 +707,16 @@ class Checker {
 
     // Where a slice of the current logical line is; only its first physical line when it is
     // continued over several.
-    Span SpanOf(std::string_view piece) const {
-        if (!tree_ || current_ == nullptr) return {};
+    std::int32_t Indent() {
+        if (indent_ < 0) indent_ = current_ != nullptr ? IndentOf(current_->text) : 0;
+        return indent_;
+    }
+
+    // Cheap when no tree is built: the check alone never needs a position.
+    Span SpanOf(std::string_view piece) const { return tree_ ? Locate(piece) : Span{}; }
+
+    Span Locate(std::string_view piece) const {
+        if (current_ == nullptr) return {};
         const std::string_view text = current_->text;
         if (piece.data() < text.data() || piece.data() + piece.size() > text.data() + text.size())
             return {line_ + firstLine_, 0, 0};

@@ -31,8 +31,9 @@ std::string_view RuleId(BlockRule rule);
 // One sentence on what the rule finds.
 std::string_view RuleDescription(BlockRule rule);
 inline constexpr BlockRule kAllBlockRules[] = {
-    BlockRule::UnclosedBlock,       BlockRule::UnmatchedEnd,  BlockRule::MisplacedBranch,
-    BlockRule::NextNesting,         BlockRule::MismatchedEnd, BlockRule::StatementBeforeCase,
+    BlockRule::UnclosedBlock,       BlockRule::UnmatchedEnd,
+    BlockRule::MisplacedBranch,     BlockRule::NextNesting,
+    BlockRule::MismatchedEnd,       BlockRule::StatementBeforeCase,
     BlockRule::ConditionalBranches, BlockRule::MismatchedProcedureEnd,
 };
 

@@ -6,6 +6,7 @@
 // ASCII-compatible code page, so files need not be decoded first.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -70,13 +71,44 @@ struct Statement {
 template <typename Visit>
 void ForEachStatement(std::string_view line, Visit&& visit);
 
+// Letters, digits and `_`; bytes of non-ASCII letters, in whatever code page, belong to names.
+inline constexpr auto kWordChars = [] {
+    std::array<bool, 256> word{};
+    for (int c = 'a'; c <= 'z'; ++c)
+        word[static_cast<std::size_t>(c)] = word[static_cast<std::size_t>(c - 32)] = true;
+    for (int c = '0'; c <= '9'; ++c)
+        word[static_cast<std::size_t>(c)] = true;
+    word['_'] = true;
+    for (int c = 0x80; c < 0x100; ++c)
+        word[static_cast<std::size_t>(c)] = true;
+    return word;
+}();
+
+inline bool IsWordChar(char byte) {
+    return kWordChars[static_cast<unsigned char>(byte)];
+}
+
 // The first word of a text (letters, digits and `_`, or a `#` directive name), and the text
-// after it with leading blanks skipped.
-std::string_view FirstWord(std::string_view text);
+// after it with leading blanks skipped. Inline: the checker asks for words of every statement.
+inline std::string_view FirstWord(std::string_view text) {
+    std::size_t end = 0;
+    if (!text.empty() && text[0] == '#') end = 1;
+    while (end < text.size() && IsWordChar(text[end]))
+        ++end;
+    return text.substr(0, end);
+}
 std::string_view AfterWord(std::string_view text, std::string_view word);
 
 // Whether the word, compared without regard to ASCII case, is the lower-case keyword.
-bool WordIs(std::string_view word, std::string_view lowerKeyword);
+inline bool WordIs(std::string_view word, std::string_view lowerKeyword) {
+    if (word.size() != lowerKeyword.size()) return false;
+    for (std::size_t i = 0; i < word.size(); ++i) {
+        const auto c = static_cast<unsigned char>(word[i]);
+        if ((c >= 'A' && c <= 'Z' ? c + 32 : c) != static_cast<unsigned char>(lowerKeyword[i]))
+            return false;
+    }
+    return true;
+}
 
 inline bool IsBlank(char c) {
     return c == ' ' || c == '\t';

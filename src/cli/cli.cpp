@@ -80,6 +80,7 @@ int RunArbolet(int argc, const char* const* argv, Terminal terminal) {
     AddRenameCommand(app, context);
     AddAddCommand(app, context);
     AddComponentCommands(app, context);
+    AddMetricsCommand(app, context);
     AddLspCommand(app, context);
     if (const auto unknown = UnknownSubcommand(app, argc, argv)) {
         terminal.err << "arbolet: unknown subcommand '" << *unknown << "'; the subcommands are";

@@ -1,17 +1,24 @@
 // `arbolet code`: the logic-flow tree of each component file, as indented text or JSON.
 #include <CLI/CLI.hpp>
 
-#include "cli/check_targets.h"
+#include "base/json_writer.h"
+#include "check/check_targets.h"
+#include "check/component_analysis.h"
 #include "cli/cli_context.h"
 #include "cli/commands.h"
-#include "cli/component_analysis.h"
 #include "cli/display_flags.h"
 #include "cli/indentation.h"
-#include "cli/json_writer.h"
 #include "cli/terminal_style.h"
 #include "disk/vb_path.h"
 
 namespace arbolet::cli {
+
+using check::AnalyseComponentFile;
+using check::AnalysedComponent;
+using check::CheckTargets;
+using check::CollectCheckTargets;
+using check::DisplayPath;
+using text::JsonWriter;
 namespace {
 
 struct CodeOptions {
@@ -82,7 +89,15 @@ void ReportFileProblems(CliContext& context, const AnalysedComponent& component)
 std::vector<std::filesystem::path> ComponentFiles(CliContext& context,
                                                   const std::vector<std::string>& paths) {
     std::vector<std::filesystem::path> files;
-    const CheckTargets targets = CollectCheckTargets(paths, {}, context);
+    const CheckTargets targets = CollectCheckTargets(paths, {}, context.codePage);
+    // A path that is not there, a project that cannot be opened or a component it lists that
+    // is missing: the other files are still printed, and the exit status says what was left out.
+    for (const check::Finding& problem : targets.problems.findings) {
+        context.err << problem.path;
+        if (problem.line > 0) context.err << ':' << problem.line;
+        context.err << ": " << problem.severity << ": " << problem.message << '\n';
+    }
+    if (targets.problems.unreadable || targets.missing > 0) context.Fail(kExitUsage);
     for (const auto& target : targets.files) {
         if (disk::IsComponentFileName(disk::PathToUtf8(target.path.filename()))) {
             files.push_back(disk::PathFromUtf8(target.shown));  // as the user should see it

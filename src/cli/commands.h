@@ -11,6 +11,7 @@ struct CliContext;
 
 void AddCodeCommand(CLI::App& app, CliContext& context);
 void AddCheckCommand(CLI::App& app, CliContext& context);
+void AddMetricsCommand(CLI::App& app, CliContext& context);
 void AddTreeCommand(CLI::App& app, CliContext& context);
 void AddFoldersCommand(CLI::App& app, CliContext& context);
 void AddRenameCommand(CLI::App& app, CliContext& context);

@@ -113,12 +113,25 @@ void RunRemove(CliContext& context, const RemoveOptions& options) {
     const env::VBProjectRef project = environment->VBProjects()->Item(1);
     const tree::NodeRef node = ComponentNode(context, session.loaded, *project, options.component);
     if (!node) return;
+    const std::string name = node->Text();
+    const std::string key = node->Key();
+    const std::string startup = disk::StartupObject(*project);
     const explorer::Outcome outcome = session.dispatcher.Run("Remove", node->Index());
-    if (outcome.done()) {
-        context.out << "removed " << options.component << " from " << project->Name()
-                    << " (its files stay)\n";
+    if (!Report(context, session.loaded.ui, outcome)) return;
+    if (session.loaded.view.Nodes().Exists(key)) {
+        // Success is said only of a change that happened.
+        context.err << "arbolet: " << name << " is still part of " << project->Name()
+                    << "; nothing was saved\n";
+        context.Fail(kExitUsage);
+        return;
     }
-    Finish(context, session, outcome);
+    if (!SaveChanges(context, *environment)) return;
+    context.out << "removed " << name << " from " << project->Name() << " (its files stay)\n";
+    if (const std::string now = disk::StartupObject(*project); now != startup) {
+        context.out << (now == "Sub Main" ? "the project now starts with Sub Main"
+                                          : "the project now has no start-up object")
+                    << " (it started with " << startup << ")\n";
+    }
 }
 
 void RunStartup(CliContext& context, const StartupOptions& options) {

@@ -10,6 +10,13 @@
 
 namespace arbolet::cli {
 
+void PrintWarning(CliContext& context, const disk::LoadWarning& warning) {
+    context.err << (warning.line > 0
+                        ? warning.file + ":" + std::to_string(warning.line) + ": warning: "
+                        : warning.file + ": warning: ")
+                << warning.message << '\n';
+}
+
 std::shared_ptr<disk::DiskEnvironment> OpenProjects(const std::vector<std::string>& paths,
                                                     CliContext& context) {
     std::vector<std::filesystem::path> files;
@@ -17,26 +24,14 @@ std::shared_ptr<disk::DiskEnvironment> OpenProjects(const std::vector<std::strin
         files.push_back(disk::PathFromUtf8(path));
     try {
         auto environment = disk::DiskEnvironment::Open(files, context.codePage);
-        for (const auto& warning : environment->Warnings()) {
-            context.err << (warning.line > 0
-                                ? warning.file + ":" + std::to_string(warning.line) + ": warning: "
-                                : warning.file + ": warning: ")
-                        << warning.message << '\n';
-        }
+        for (const auto& warning : environment->Warnings())
+            PrintWarning(context, warning);
         return environment;
     } catch (const disk::FileError& error) {
         context.err << "arbolet: " << error.what() << '\n';
         context.Fail(kExitUsage);
         return nullptr;
     }
-}
-
-std::string ShownPath(const std::filesystem::path& file) {
-    std::error_code ec;
-    const std::filesystem::path relative =
-        file.lexically_relative(std::filesystem::current_path(ec));
-    const bool below = !ec && !relative.empty() && *relative.begin() != "..";
-    return disk::PathToUtf8((below ? relative : file).generic_u8string());
 }
 
 bool SaveChanges(CliContext& context, disk::DiskEnvironment& environment) {

@@ -9,6 +9,7 @@
 
 #include "cli/terminal_ui.h"
 #include "disk/disk_environment.h"
+#include "disk/vb_path.h"
 #include "explorer/project_explorer.h"
 #include "treemodel/memory_tree.h"
 
@@ -16,13 +17,14 @@ namespace arbolet::cli {
 
 struct CliContext;
 
+// "file:line: warning: message" on the error stream, as compilers write it.
+void PrintWarning(CliContext& context, const disk::LoadWarning& warning);
+
 // Opens .vbp and .vbg files; nullptr (reported, exit status 2) when one cannot be opened.
 std::shared_ptr<disk::DiskEnvironment> OpenProjects(const std::vector<std::string>& paths,
                                                     CliContext& context);
 
-// How to show a file the projects name: relative to the working folder when it lies below it,
-// else in full; forward slashes on every platform.
-std::string ShownPath(const std::filesystem::path& file);
+using disk::ShownPath;
 
 // Saves every changed file, naming each on the error stream; false (reported, exit status 2) when
 // the save was refused and nothing was written.

@@ -3,22 +3,27 @@
 #include <CLI/CLI.hpp>
 #include <atomic>
 #include <csignal>
+#include <map>
 #include <set>
 
+#include "base/json_writer.h"
 #include "base/utf8.h"
 #include "cli/cli_context.h"
 #include "cli/commands.h"
 #include "cli/display_flags.h"
 #include "cli/indentation.h"
-#include "cli/json_writer.h"
 #include "cli/project_loading.h"
 #include "cli/terminal_style.h"
-#include "cli/tree_json.h"
 #include "cli/tree_watch.h"
 #include "disk/file_io.h"
 #include "explorer/node_keys.h"
+#include "explorer/tree_json.h"
 
 namespace arbolet::cli {
+
+using explorer::NotExpandedComponent;
+using explorer::WriteNotExpanded;
+using text::JsonWriter;
 namespace {
 
 struct TreeOptions {
@@ -33,28 +38,42 @@ bool IsPlaceholder(const tree::Node& node) {
     return node.Kind() == tree::NodeKind::Placeholder;
 }
 
-// Which component nodes to open: all, or those named (ignoring case).
+// Which component nodes to open: all, or those named (ignoring case). It remembers which names
+// it met, so that a mistyped one can be pointed out rather than silently expanding nothing.
 class ExpandChoice {
   public:
     explicit ExpandChoice(const std::string& names) {
-        all_ = names == "all";
+        all_ = text::ToLower(text::Trim(names)) == "all";
         std::size_t start = 0;
         while (!all_ && start <= names.size()) {
             const std::size_t comma = std::min(names.find(',', start), names.size());
             const std::string_view name =
                 text::Trim(std::string_view(names).substr(start, comma - start));
-            if (!name.empty()) names_.insert(text::ToLower(name));
+            if (!name.empty()) names_.emplace(text::ToLower(name), std::string(name));
             start = comma + 1;
         }
     }
     bool Wants(const tree::Node& node) const {
         if (node.Kind() != tree::NodeKind::Component) return false;
-        return all_ || names_.contains(text::ToLower(node.Text()));
+        if (all_) return true;
+        const std::string lower = text::ToLower(node.Text());
+        if (!names_.contains(lower)) return false;
+        met_.insert(lower);
+        return true;
+    }
+    // The names, as given, that no component rendered so far has.
+    std::vector<std::string> UnmetNames() const {
+        std::vector<std::string> unmet;
+        for (const auto& [lower, given] : names_) {
+            if (!met_.contains(lower)) unmet.push_back(given);
+        }
+        return unmet;
     }
 
   private:
     bool all_ = false;
-    std::set<std::string> names_;
+    std::map<std::string, std::string> names_;  // lower-cased to as given
+    mutable std::set<std::string> met_;
 };
 
 // Renders the tree depth first without recursion; a chosen component is expanded when it is
@@ -179,8 +198,8 @@ void ReportNotExpanded(CliContext& context, const TreeRenderer& renderer) {
     context.Fail(kExitFindings);
 }
 
-void RenderTree(CliContext& context, LoadedTree& loaded, const TreeOptions& options) {
-    const ExpandChoice choice(options.expand);
+void RenderTree(CliContext& context, LoadedTree& loaded, const TreeOptions& options,
+                const ExpandChoice& choice) {
     const tree::NodeRef first = tree::FirstRoot(loaded.view.Nodes());
     if (options.format == "json") {
         JsonWriter json(context.out);
@@ -213,7 +232,11 @@ void RunTree(CliContext& context, const TreeOptions& options) {
     if (!environment) return;
     analysis::FixedDisplayOptions display(options.display);
     LoadedTree loaded(environment, context, &display);
-    RenderTree(context, loaded, options);
+    const ExpandChoice choice(options.expand);
+    RenderTree(context, loaded, options, choice);
+    for (const std::string& name : choice.UnmetNames()) {
+        context.err << "arbolet: warning: no component is named '" << name << "'\n";
+    }
     if (!options.watch) return;
     gInterrupted = false;
     const auto previous = std::signal(SIGINT, OnInterrupt);
@@ -222,7 +245,7 @@ void RunTree(CliContext& context, const TreeOptions& options) {
         while (!gInterrupted) {
             if (watch.Step(std::chrono::milliseconds(1000), gInterrupted)) {
                 context.out << (context.colour ? "\x1b[2J\x1b[H" : "\n");
-                RenderTree(context, loaded, options);
+                RenderTree(context, loaded, options, choice);
             }
         }
     } catch (const disk::FileError& error) {

@@ -77,7 +77,7 @@ bool TreeWatch::Step(std::chrono::milliseconds timeout, const std::atomic<bool>&
     loaded_.environment->Refresh(changed);
     const auto& warnings = loaded_.environment->Warnings();
     for (; warningsShown_ < warnings.size(); ++warningsShown_) {
-        context_.err << warnings[warningsShown_].ToString() << '\n';
+        PrintWarning(context_, warnings[warningsShown_]);
     }
     // Components may now live in folders not watched before.
     if (auto folders = loaded_.environment->Folders(); folders != folders_) {

@@ -1,6 +1,9 @@
 // Component files: the designer header, module attributes and code (see component_file.h).
 #include "disk/component_file.h"
 
+#include <cstring>
+#include <optional>
+
 #include <algorithm>
 
 #include "base/utf8.h"
@@ -79,14 +82,17 @@ std::size_t SkipHeader(const Lines& lines, std::vector<FileDiagnostic>& diagnost
     return i;
 }
 
-// The raw lines of a file as views of its bytes, without decoding them.
+// The raw lines of a file as views of its bytes, without decoding them; the first line without
+// a byte-order mark.
 struct RawLineViews {
     std::string_view bytes;
     const std::vector<RawLine>& raw;
+    std::size_t bom = 0;
 
     std::size_t size() const { return raw.size(); }
     std::string_view operator[](std::size_t i) const {
-        return bytes.substr(raw[i].offset, raw[i].length);
+        const std::size_t skip = i == 0 ? bom : 0;
+        return bytes.substr(raw[i].offset + skip, raw[i].length - skip);
     }
 };
 
@@ -112,27 +118,48 @@ void CheckBytes(std::string_view bytes, const std::vector<RawLine>& raw,
 }  // namespace
 
 std::vector<RawLine> SplitRawLines(std::string_view bytes) {
+    return SplitRawLines(bytes, SIZE_MAX);
+}
+
+std::vector<RawLine> SplitRawLines(std::string_view bytes, std::size_t maxLines) {
     std::vector<RawLine> lines;
-    std::size_t start = 0;
-    for (std::size_t i = 0; i < bytes.size(); ++i) {
-        if (bytes[i] != '\r' && bytes[i] != '\n') continue;
-        RawLine line{start, i - start, LineEnding::LF};
-        if (bytes[i] == '\r') {
-            const std::string_view rest = bytes.substr(i);
+    lines.reserve(std::min(bytes.size() / 32 + 1, maxLines));
+    const char* const begin = bytes.data();
+    const char* const end = begin + bytes.size();
+    // The next CR and the next LF are each searched with memchr and remembered until passed, so
+    // that files of lone CRs or of lone LFs are split in one pass.
+    const auto find = [end](const char* from, char c) {
+        const void* at = std::memchr(from, c, static_cast<std::size_t>(end - from));
+        return at == nullptr ? end : static_cast<const char*>(at);
+    };
+    const char* nextCr = find(begin, '\r');
+    const char* nextLf = find(begin, '\n');
+    const char* start = begin;
+    while (lines.size() < maxLines) {
+        if (nextCr < start) nextCr = find(start, '\r');
+        if (nextLf < start) nextLf = find(start, '\n');
+        const char* p = std::min(nextCr, nextLf);
+        if (p == end) break;
+        RawLine line{static_cast<std::size_t>(start - begin), static_cast<std::size_t>(p - start),
+                     LineEnding::LF};
+        if (*p == '\r') {
+            const std::string_view rest(p, static_cast<std::size_t>(end - p));
             if (rest.starts_with("\r\r\n")) {
                 line.ending = LineEnding::CRCRLF;
-                i += 2;
+                p += 2;
             } else if (rest.starts_with("\r\n")) {
                 line.ending = LineEnding::CRLF;
-                ++i;
+                ++p;
             } else {
                 line.ending = LineEnding::CR;
             }
         }
         lines.push_back(line);
-        start = i + 1;
+        start = p + 1;
     }
-    if (start < bytes.size()) lines.push_back({start, bytes.size() - start, LineEnding::None});
+    if (start < end && lines.size() < maxLines)
+        lines.push_back({static_cast<std::size_t>(start - begin),
+                         static_cast<std::size_t>(end - start), LineEnding::None});
     return lines;
 }
 
@@ -150,15 +177,22 @@ std::optional<std::int32_t> ComponentFile::FileLineOfCodeLine(std::int32_t codeL
     return codeLines[static_cast<std::size_t>(codeLine)] + 1;
 }
 
+std::size_t Utf8BomLength(std::string_view bytes) {
+    return bytes.starts_with(kUtf8Bom) ? kUtf8Bom.size() : 0;
+}
+
 ComponentFile ParseComponentFile(std::string_view bytes, int codePage) {
     ComponentFile file;
     file.raw = SplitRawLines(bytes);
     CheckBytes(bytes, file.raw, file.diagnostics);
     file.binary = bytes.find('\0') != std::string_view::npos;
-    // Line breaks are the same bytes in every supported code page and no character decodes to
-    // one, so the decoded text splits into the same lines.
-    const std::string decoded = DecodeCodePage(bytes, codePage);
-    const bool unchanged = decoded == bytes;  // pure ASCII: the lines lie where they were
+    // The mark is no character of the first line: decoded in an ANSI code page it would hide
+    // the line's first word. Line breaks are the same bytes in every supported code page and no
+    // character decodes to one, so the decoded text splits into the same lines.
+    const std::size_t bom = Utf8BomLength(bytes);
+    const std::string decoded = DecodeCodePage(bytes.substr(bom), codePage);
+    // Pure ASCII without a mark: the lines lie where they were.
+    const bool unchanged = bom == 0 && decoded == bytes;
     file.lines.reserve(file.raw.size());
     for (const RawLine& line : unchanged ? file.raw : SplitRawLines(decoded)) {
         file.lines.emplace_back(std::string_view(decoded).substr(line.offset, line.length));
@@ -178,11 +212,55 @@ ComponentFile ParseComponentFile(std::string_view bytes, int codePage) {
     return file;
 }
 
+namespace {
+
+// Whether the bytes may hold what CheckBytes reports: a NUL, or a line longer than VB6 loads
+// (a stretch between two LFs that long; a file of lone CRs is one such stretch).
+bool MayNeedDiagnostics(std::string_view bytes) {
+    if (bytes.find('\0') != std::string_view::npos) return true;
+    // Every line is short when each window of a line's most bytes and an LF, starting after an
+    // LF, holds another LF; jumping to the window's last LF looks at a few bytes per window, not
+    // at every line. A line just short enough but for its CR takes the careful way, as does a
+    // file of lone CRs.
+    constexpr std::size_t kWindow = kMaxVbLineBytes + 1;
+    std::size_t start = 0;
+    while (bytes.size() - start > kWindow) {
+        const auto lf = bytes.substr(start, kWindow).rfind('\n');
+        if (lf == std::string_view::npos) return true;
+        start += lf + 1;
+    }
+    return bytes.size() - start > kMaxVbLineBytes;
+}
+
+// The lines of the header and attributes, split only as far as they go, so that the code of a
+// large module is split into lines once, by its reader, rather than twice. Nullopt when the
+// first `maxLines` lines do not settle where the code begins.
+std::optional<CodeLocation> LocateCodeWithin(std::string_view bytes, std::size_t maxLines) {
+    CodeLocation location;
+    location.raw = SplitRawLines(bytes, maxLines);
+    const bool whole = location.raw.size() < maxLines;
+    const RawLineViews lines{bytes, location.raw, Utf8BomLength(bytes)};
+    std::size_t i = SkipHeader(lines, location.diagnostics);
+    while (i < lines.size() && IsAttributeLine(lines[i]))
+        ++i;
+    if (!whole && (i >= lines.size() || !location.diagnostics.empty())) return std::nullopt;
+    location.firstCodeLine = static_cast<std::int32_t>(i);
+    location.codeOffset = i < lines.size() ? location.raw[i].offset : bytes.size();
+    return location;
+}
+
+}  // namespace
+
 CodeLocation LocateCode(std::string_view bytes) {
+    if (!MayNeedDiagnostics(bytes)) {
+        for (std::size_t maxLines = 256; maxLines < (1u << 20); maxLines *= 16) {
+            if (auto location = LocateCodeWithin(bytes, maxLines)) return std::move(*location);
+        }
+    }
     CodeLocation location;
     location.raw = SplitRawLines(bytes);
     CheckBytes(bytes, location.raw, location.diagnostics);
-    const RawLineViews lines{bytes, location.raw};
+    const RawLineViews lines{bytes, location.raw, Utf8BomLength(bytes)};
     std::size_t i = SkipHeader(lines, location.diagnostics);
     while (i < lines.size() && IsAttributeLine(lines[i]))
         ++i;

@@ -25,6 +25,8 @@ struct RawLine {
 // Splits bytes into lines at CRLF, CR CR LF, LF and lone CR. A file ending in a terminator has no
 // empty last line; an empty file has no lines.
 std::vector<RawLine> SplitRawLines(std::string_view bytes);
+// The first `maxLines` lines only.
+std::vector<RawLine> SplitRawLines(std::string_view bytes, std::size_t maxLines);
 
 struct FileDiagnostic {
     enum class Severity { Warning, Error };
@@ -32,6 +34,12 @@ struct FileDiagnostic {
     std::int32_t line = 0;  // 1-based file line, 0 when it concerns the whole file
     std::string message;
 };
+
+// The UTF-8 byte-order mark some editors write before the first line. VB6 writes none; the
+// first line is read behind it, and every rewrite keeps it.
+inline constexpr std::string_view kUtf8Bom = "\xEF\xBB\xBF";
+// 3 when the bytes begin with the mark, else 0.
+std::size_t Utf8BomLength(std::string_view bytes);
 
 // VB6 cannot load a line longer than this many bytes.
 inline constexpr std::size_t kMaxVbLineBytes = 1023;
@@ -63,6 +71,8 @@ ComponentFile ParseComponentFile(std::string_view bytes, int codePage);
 // Where the code of a component file begins, found without decoding the file: the lines after
 // the designer header and the module attributes (member attributes stay in the code).
 struct CodeLocation {
+    // The file's lines at least up to the code's first; all of them only when the file needed
+    // its diagnostics. SplitRawLines gives the rest when they are wanted.
     std::vector<RawLine> raw;
     std::int32_t firstCodeLine = 0;  // 0-based file line
     std::size_t codeOffset = 0;      // of that line's first byte

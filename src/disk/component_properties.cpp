@@ -1,6 +1,11 @@
 // Reading and writing VB_Ext_KEY module attributes (see component_properties.h).
 #include "disk/component_properties.h"
 
+#include <algorithm>
+#include <optional>
+#include <utility>
+#include <vector>
+
 #include "base/utf8.h"
 #include "base/vb_error.h"
 #include "disk/codepage.h"
@@ -131,7 +136,7 @@ bool ComponentText::WriteProperty(std::string_view key, std::string_view value) 
     if (line) {
         editor_.ReplaceContent(*line, *encoded);
     } else {
-        editor_.InsertLine(static_cast<std::size_t>(file_.attributesEnd), *encoded);
+        InsertLineBehindMark(static_cast<std::size_t>(file_.attributesEnd), *encoded);
     }
     file_ = ParseComponentFile(editor_.Bytes(), codePage_);
     return true;
@@ -168,18 +173,96 @@ void ComponentText::Rename(std::string_view newName) {
         const auto open = raw.find('"');
         const auto close = open == std::string_view::npos ? open : raw.find('"', open + 1);
         if (open == std::string_view::npos) {
-            editor_.ReplaceContent(*nameLine, "Attribute VB_Name = \"" + *encoded + "\"");
+            const std::string_view mark = raw.substr(0, *nameLine == 0 ? Utf8BomLength(raw) : 0);
+            editor_.ReplaceContent(*nameLine,
+                                   std::string(mark) + "Attribute VB_Name = \"" + *encoded + "\"");
         } else {
             editor_.ReplaceInLine(*nameLine, open + 1,
                                   (close == std::string_view::npos ? raw.size() : close) - open - 1,
                                   *encoded);
         }
     } else {
-        editor_.InsertLine(static_cast<std::size_t>(file_.attributesBegin),
-                           "Attribute VB_Name = \"" + *encoded + "\"");
+        InsertLineBehindMark(static_cast<std::size_t>(file_.attributesBegin),
+                             "Attribute VB_Name = \"" + *encoded + "\"");
     }
     RenameDesignerBlock(oldName, *encoded);
     file_ = ParseComponentFile(editor_.Bytes(), codePage_);
+}
+
+namespace {
+
+// Where the control's name lies in the bytes of `Begin Project.Control name`, when the class
+// names `projectName.controlName` (ignoring case). The keyword, the dot and the blanks are the
+// same byte in every supported code page, so the line is taken apart in its own bytes; only the
+// names are decoded to be compared.
+struct HostedName {
+    std::size_t column;
+    std::size_t length;
+};
+
+std::optional<HostedName> FindHostedControl(std::string_view raw, int codePage,
+                                            std::string_view projectName,
+                                            std::string_view controlName) {
+    const std::size_t start = raw.find_first_not_of(" \t");
+    if (start == std::string_view::npos || raw.size() - start < 6) return std::nullopt;
+    if (text::ToLower(raw.substr(start, 5)) != "begin") return std::nullopt;
+    const std::size_t classStart = raw.find_first_not_of(" \t", start + 5);
+    if (classStart == start + 5 || classStart == std::string_view::npos) return std::nullopt;
+    const std::size_t classEnd = std::min(raw.find_first_of(" \t", classStart), raw.size());
+    const std::string_view className = raw.substr(classStart, classEnd - classStart);
+    const std::size_t dot = className.find('.');
+    if (dot == std::string_view::npos) return std::nullopt;
+    const std::string project = DecodeCodePage(className.substr(0, dot), codePage);
+    const std::string control = DecodeCodePage(className.substr(dot + 1), codePage);
+    if (text::ToLower(project) != text::ToLower(projectName) ||
+        text::ToLower(control) != text::ToLower(controlName)) {
+        return std::nullopt;
+    }
+    return HostedName{classStart + dot + 1, className.size() - dot - 1};
+}
+
+}  // namespace
+
+bool ComponentText::RenameHostedControl(std::string_view projectName, std::string_view oldName,
+                                        std::string_view newName) {
+    constexpr const char* kSource = "VBComponent.Name";
+    const std::size_t bom = Utf8BomLength(editor_.Bytes());
+    std::vector<std::pair<std::size_t, HostedName>> found;
+    for (std::size_t i = 0; i < static_cast<std::size_t>(file_.attributesBegin); ++i) {
+        const std::size_t skip = i == 0 ? bom : 0;
+        if (auto name = FindHostedControl(editor_.Content(i).substr(skip), codePage_, projectName,
+                                          oldName)) {
+            name->column += skip;
+            found.emplace_back(i, *name);
+        }
+    }
+    if (found.empty()) return false;
+    // A designer block that is never closed leaves the attributes unknown: the file cannot be
+    // edited safely, and the control would stay under its old name in it.
+    RequireReadableStructure(kSource);
+    const auto encoded = EncodeCodePage(newName, codePage_);
+    if (!encoded) {
+        throw VbError(env::enverr::kInvalidPropertyValue, kSource,
+                      "'" + std::string(newName) + "' cannot be written in code page " +
+                          std::to_string(codePage_));
+    }
+    for (const auto& [line, name] : found)
+        editor_.ReplaceInLine(line, name.column, name.length, *encoded);
+    file_ = ParseComponentFile(editor_.Bytes(), codePage_);
+    return true;
+}
+
+// A line before the first line of the file goes behind its byte-order mark.
+void ComponentText::InsertLineBehindMark(std::size_t before, const std::string& line) {
+    const std::size_t bom = Utf8BomLength(editor_.Bytes());
+    if (before != 0 || bom == 0 || editor_.LineCount() == 0) {
+        editor_.InsertLine(before, line);
+        return;
+    }
+    const std::string first(editor_.Content(0).substr(bom));
+    editor_.InsertLine(0, line);
+    editor_.ReplaceContent(0, std::string(kUtf8Bom) + line);
+    editor_.ReplaceContent(1, first);
 }
 
 // `Begin VB.Form frmMain`: the IDE writes the component's name there too.

@@ -38,9 +38,18 @@ class ComponentText {
     // designer block when that names the component. Raises arbolet::VbError as WriteProperty.
     void Rename(std::string_view newName);
 
+    // Renames the user control `projectName.oldName` where the designer block hosts it
+    // (`Begin Project.Control name`, any depth, names ignoring case) to `newName`, keeping the
+    // project name as written. Returns whether any line changed. Raises arbolet::VbError when
+    // the file hosts the control but its structure cannot be read, or the name cannot be
+    // written in its code page.
+    bool RenameHostedControl(std::string_view projectName, std::string_view oldName,
+                             std::string_view newName);
+
   private:
     void RequireReadableStructure(const char* source) const;
     void RenameDesignerBlock(std::string_view oldName, const std::string& encodedName);
+    void InsertLineBehindMark(std::size_t before, const std::string& line);
     std::optional<std::size_t> FindPropertyLine(std::string_view key) const;
 
     LineEditor editor_;

@@ -35,6 +35,10 @@ class DiskProject;
 class DiskProjects;
 class DiskComponent;
 
+// The project's start-up object as its file names it now ("Form1", "Sub Main", "(None)"), without
+// quotes; empty when it names none or is no project on disk.
+std::string StartupObject(const env::VBProject& project);
+
 class DiskEnvironment final : public env::VBE,
                               public std::enable_shared_from_this<DiskEnvironment> {
   public:
@@ -95,8 +99,9 @@ class DiskEnvironment final : public env::VBE,
     bool IsOpen(const std::filesystem::path& projectFile) const;
     bool HasProjectNamed(const std::string& name) const;
     void RefreshProject(const std::shared_ptr<DiskProject>& project, const ChangedSet& changed);
-    void ReloadProjectFile(const std::shared_ptr<DiskProject>& project);
-    void SyncComponents(DiskProject& project, const ChangedSet& changed);
+    // Whether the project's text was replaced by what is on disk now.
+    bool ReloadProjectFile(const std::shared_ptr<DiskProject>& project);
+    void SyncComponents(DiskProject& project, const ChangedSet& changed, bool projectReloaded);
     void ReloadComponent(DiskProject& project, const std::shared_ptr<DiskComponent>& component);
     void CloseProject(const std::shared_ptr<DiskProject>& project);
     void ReloadGroup(std::size_t group);

@@ -8,6 +8,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "disk/codepage.h"
 #include "disk/component_entry.h"
@@ -19,6 +21,8 @@
 #include "environment/vbide.h"
 
 namespace arbolet::disk {
+
+class DiskProject;
 
 class DiskComponent final : public env::VBComponent,
                             public std::enable_shared_from_this<DiskComponent> {
@@ -54,6 +58,8 @@ class DiskComponent final : public env::VBComponent,
   private:
     void RenameInProjectFile(ProjectFile& projectText, std::string_view oldName,
                              std::string_view newName) const;
+    std::vector<std::pair<std::shared_ptr<DiskComponent>, ComponentText>> HostsRenamed(
+        const DiskProject& project, std::string_view newName) const;
 
     std::string name_;
     env::ComponentType type_;

@@ -88,15 +88,16 @@ void DiskEnvironment::ReloadGroup(std::size_t index) {
 
 void DiskEnvironment::RefreshProject(const std::shared_ptr<DiskProject>& project,
                                      const ChangedSet& changed) {
+    bool reloaded = false;
     if (changed.contains(PathIdentity(project->Path()))) {
         std::error_code ec;
         if (!fs::exists(project->Path(), ec)) {
             CloseProject(project);
             return;
         }
-        ReloadProjectFile(project);
+        reloaded = ReloadProjectFile(project);
     }
-    SyncComponents(*project, changed);
+    SyncComponents(*project, changed, reloaded);
 }
 
 void DiskEnvironment::CloseProject(const std::shared_ptr<DiskProject>& project) {
@@ -111,51 +112,59 @@ void DiskEnvironment::CloseProject(const std::shared_ptr<DiskProject>& project) 
     events_->ForgetProject(project.get());
 }
 
-void DiskEnvironment::ReloadProjectFile(const std::shared_ptr<DiskProject>& project) {
+bool DiskEnvironment::ReloadProjectFile(const std::shared_ptr<DiskProject>& project) {
     std::string bytes;
     try {
         bytes = ReadFileBytes(project->Path());
     } catch (const FileError& error) {
         warnings_.push_back({project->ShownAs(), 0, error.what()});
-        return;
+        return false;
     }
-    if (bytes == project->Original()) return;
+    if (bytes == project->Original()) return false;
     if (project->Changed()) {
         warnings_.push_back({project->ShownAs(), 0,
                              "changed on disk while it has changes not saved; not reloaded"});
-        return;
+        return false;
     }
     ProjectFile text(std::move(bytes), codePage_);
     if (text.IsBinary()) {
         warnings_.push_back({project->ShownAs(), 0, "no longer a project file; not reloaded"});
-        return;
+        return false;
     }
     std::vector<LoadWarning> ignored;
     const std::string newName = ProjectNameOf(text, project->Path(), project->ShownAs(), ignored);
     project->Reload(std::move(text));
-    if (newName == project->name) return;
+    if (newName == project->name) return true;
     const std::string oldName = std::exchange(project->name, newName);
     const env::VBProjectRef renamed = project;
     events_->RaiseProjectEvent(
         [&](env::VBProjectsEventsSink& sink) { sink.ItemRenamed(renamed, oldName); });
+    return true;
 }
 
 // The project file's entries decide which components the project has; a component whose file
 // changed is read again. Each path is resolved and made canonical once, so a refresh costs a
-// number of file-system calls in proportion to the project's size.
-void DiskEnvironment::SyncComponents(DiskProject& project, const ChangedSet& changed) {
+// number of file-system calls in proportion to the project's size. A missing file is reported
+// as loading reports it, once: when the project file was read again, or when it takes a
+// component away.
+void DiskEnvironment::SyncComponents(DiskProject& project, const ChangedSet& changed,
+                                     bool projectReloaded) {
     auto& items = project.components->items;
     std::map<fs::path, std::shared_ptr<DiskComponent>> byPath;
     for (const auto& component : items)
         byPath.try_emplace(PathIdentity(component->Path()), component);
     std::vector<std::shared_ptr<DiskComponent>> kept;
     std::vector<std::shared_ptr<DiskComponent>> added;
-    std::vector<LoadWarning> ignored;
-    ComponentLoader loader(project, codePage_, ignored);
+    std::vector<LoadWarning> loadWarnings;
+    ComponentLoader loader(project, codePage_, loadWarnings);
     std::set<fs::path> listed;
+    std::vector<ComponentEntry> missing;
     for (const ComponentEntry& entry : ComponentEntries(project.Text())) {
         const auto resolved = loader.Resolve(entry);
-        if (!resolved) continue;
+        if (!resolved) {
+            missing.push_back(entry);
+            continue;
+        }
         const fs::path canonical = PathIdentity(*resolved);
         if (!listed.insert(canonical).second) continue;  // a file listed twice is one component
         const auto existing = byPath.find(canonical);
@@ -173,6 +182,17 @@ void DiskEnvironment::SyncComponents(DiskProject& project, const ChangedSet& cha
         if (!keptSet.contains(component)) removed.push_back(component);
     }
     items = kept;
+    for (const ComponentEntry& entry : missing) {
+        const bool tookComponent =
+            std::any_of(removed.begin(), removed.end(), [&](const auto& component) {
+                return component->entryKind == entry.kind && component->entryPath == entry.path;
+            });
+        if (projectReloaded || tookComponent) {
+            warnings_.push_back({project.ShownAs(), static_cast<std::int32_t>(entry.line + 1),
+                                 "component file not found: " + entry.path});
+        }
+    }
+    warnings_.insert(warnings_.end(), loadWarnings.begin(), loadWarnings.end());
     for (const auto& component : removed) {
         const env::VBComponentRef gone = component;
         project.RaiseComponentEvent([&](env::VBComponentsEventsSink& s) { s.ItemRemoved(gone); });

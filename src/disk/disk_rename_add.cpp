@@ -53,8 +53,38 @@ void DiskComponent::RenameInProjectFile(ProjectFile& projectText, std::string_vi
         projectText.SetTopLevelValue(line, value);
 }
 
+// A user control is hosted as `Begin Project.Control` in the designer blocks of the forms,
+// controls, pages and documents of every open project; VB cannot load a host that names a
+// control that is gone. Each host's new text, computed before any is taken.
+std::vector<std::pair<std::shared_ptr<DiskComponent>, ComponentText>> DiskComponent::HostsRenamed(
+    const DiskProject& project, std::string_view newName) const {
+    std::vector<std::pair<std::shared_ptr<DiskComponent>, ComponentText>> hosts;
+    if (type_ != env::ComponentType::UserControl) return hosts;
+    std::vector<std::shared_ptr<DiskProject>> projects;
+    if (const auto all = std::dynamic_pointer_cast<DiskProjects>(project.collection.lock())) {
+        projects = all->items;
+    } else {
+        projects.push_back(std::const_pointer_cast<DiskProject>(project.shared_from_this()));
+    }
+    for (const auto& each : projects) {
+        for (const auto& component : each->components->items) {
+            if (component.get() == this || !component->text_) continue;
+            ComponentText host = *component->text_;
+            try {
+                if (!host.RenameHostedControl(project.name, name_, newName)) continue;
+            } catch (const VbError& error) {
+                throw VbError(error.Number, error.Source,
+                              PathToUtf8(component->path_.filename()) + " hosts " + name_ +
+                                  " but " + error.Description);
+            }
+            hosts.emplace_back(component, std::move(host));
+        }
+    }
+    return hosts;
+}
+
 // The file keeps its name; `Attribute VB_Name` and, for modules and classes, the project file's
-// entry take the new one.
+// entry take the new one, and so do the designer blocks that host a user control.
 void DiskComponent::SetName(std::string_view newName) {
     constexpr const char* kSource = "VBComponent.Name";
     const auto components = std::static_pointer_cast<DiskComponents>(collection.lock());
@@ -65,9 +95,13 @@ void DiskComponent::SetName(std::string_view newName) {
     renamed.Rename(newName);
     ProjectFile projectText = project->Text();
     RenameInProjectFile(projectText, name_, newName);
-    // Both texts changed or neither: the edits above raise before anything is taken.
+    auto hosts = HostsRenamed(*project, newName);
+    // Every text changed or none: the edits above raise before anything is taken, and the save
+    // writes all the changed files or none.
     text_ = std::move(renamed);
     project->EditText() = std::move(projectText);
+    for (auto& [host, text] : hosts)
+        host->text_ = std::move(text);
     const std::string oldName = std::exchange(name_, std::string(newName));
     const env::VBComponentRef self = shared_from_this();
     project->RaiseComponentEvent(
@@ -114,9 +148,8 @@ env::VBComponentRef DiskComponents::AddFile(std::string_view fileName) {
         throw VbError(env::enverr::kInvalidProcedureCall, kSource,
                       "'" + std::string(fileName) + "' is not a component file");
     }
-    const fs::path canonical = PathIdentity(*resolved);
     for (const auto& component : items) {
-        if (PathIdentity(component->Path()) == canonical) {
+        if (SameFileOnWindows(component->Path(), *resolved)) {
             throw VbError(env::enverr::kFileAlreadyInProject, kSource,
                           "'" + std::string(fileName) + "' is already part of the project");
         }

@@ -8,8 +8,8 @@
 #include <random>
 #include <system_error>
 
-#include "disk/vb_path.h"
 #include "disk/file_io_platform.h"
+#include "disk/vb_path.h"
 
 namespace arbolet::disk {
 namespace fs = std::filesystem;
@@ -88,11 +88,17 @@ FileError::FileError(const fs::path& p, const std::string& what)
     : std::runtime_error(PathToUtf8(p) + ": " + what), path(p) {}
 
 std::string ReadFileBytes(const fs::path& path) {
+    std::string bytes;
+    ReadFileBytes(path, bytes);
+    return bytes;
+}
+
+void ReadFileBytes(const fs::path& path, std::string& bytes) {
+    bytes.clear();
     std::error_code ec;
     if (fs::is_directory(path, ec)) throw FileError(path, "is a folder, not a file");
     std::ifstream in(path, std::ios::binary);
     if (!in) throw FileError(path, "cannot open: " + Describe(errno));
-    std::string bytes;
     in.seekg(0, std::ios::end);
     const auto size = in.tellg();
     if (size > 0) {
@@ -101,7 +107,6 @@ std::string ReadFileBytes(const fs::path& path) {
         in.read(bytes.data(), size);
     }
     if (in.bad()) throw FileError(path, "cannot read: " + Describe(errno));
-    return bytes;
 }
 
 void WriteFileAtomic(const fs::path& path, std::string_view bytes) {

@@ -77,9 +77,12 @@ std::string Designer(std::string_view type, std::string_view name,
     return text + Lines({"End"});
 }
 
+// On Windows `Module1.bas` is `module1.bas`: a name taken in any case is taken.
 bool FileTaken(const DiskProject& project, const fs::path& file) {
     std::error_code ec;
-    if (fs::exists(file, ec)) return true;
+    if (fs::exists(file, ec) || FileNameTaken(file.parent_path(), PathToUtf8(file.filename()))) {
+        return true;
+    }
     const std::string lower = text::ToLower(PathToUtf8(file.filename()));
     for (const auto& component : project.components->items) {
         if (text::ToLower(PathToUtf8(component->Path().filename())) == lower) return true;
@@ -139,9 +142,8 @@ bool CanAddNewComponent(const DiskProject& project, NewComponentKind kind) {
         }
     }
     if (kind == NewComponentKind::UserDocument) {
-        const std::string type =
-            text::ToLower(text::Trim(project.Text().TopLevelValue("Type").value_or("")));
-        return type == "oleexe" || type == "oledll";
+        const ProjectType type = ProjectTypeOf(project);
+        return type == ProjectType::OleExe || type == ProjectType::OleDll;
     }
     return true;
 }
@@ -161,8 +163,20 @@ bool HasDesigner(env::ComponentType type) {
     }
 }
 
-std::string NewComponentText(NewComponentKind kind, std::string_view name) {
+ProjectType ProjectTypeOf(const DiskProject& project) {
+    const std::string type =
+        text::ToLower(text::Trim(project.Text().TopLevelValue("Type").value_or("")));
+    if (type == "oledll") return ProjectType::OleDll;
+    if (type == "oleexe") return ProjectType::OleExe;
+    if (type == "control") return ProjectType::Control;
+    return ProjectType::Exe;
+}
+
+std::string NewComponentText(NewComponentKind kind, std::string_view name,
+                             ProjectType projectType) {
     const std::string caption = "Caption         =   " + Quoted(name);
+    const bool activeX = projectType == ProjectType::OleDll || projectType == ProjectType::OleExe;
+    const bool control = projectType == ProjectType::Control;
     switch (kind) {
         case NewComponentKind::Form:
             return Designer(
@@ -187,20 +201,20 @@ std::string NewComponentText(NewComponentKind kind, std::string_view name) {
                           "  DataBindingBehavior = 0  'vbNone",
                           "  DataSourceBehavior  = 0  'vbNone",
                           "  MTSTransactionMode  = 0  'NotAnMTSObject", "END"}) +
-                   Attributes(name, true, false, false);
+                   Attributes(name, !control, false, activeX || control);
         case NewComponentKind::UserControl:
             return Designer("UserControl", name,
                             {"ClientHeight    =   3600", "ClientLeft      =   0",
                              "ClientTop       =   0", "ClientWidth     =   4800",
                              "ScaleHeight     =   3600", "ScaleWidth      =   4800"}) +
-                   Attributes(name, true, false, false);
+                   Attributes(name, true, false, control);
         case NewComponentKind::PropertyPage:
             return Designer("PropertyPage", name,
                             {caption, "ClientHeight    =   3600", "ClientLeft      =   0",
                              "ClientTop       =   0", "ClientWidth     =   4800",
                              "PaletteMode     =   0  'Halftone", "ScaleHeight     =   3600",
                              "ScaleWidth      =   4800"}) +
-                   Attributes(name, true, false, false);
+                   Attributes(name, true, false, control);
         case NewComponentKind::UserDocument:
             return Designer("UserDocument", name,
                             {"ClientHeight    =   2880", "ClientLeft      =   0",
@@ -233,9 +247,12 @@ env::VBComponentRef AddNewComponent(DiskProject& project, NewComponentKind kind,
     const std::string fileName = chosen + std::string(info.extension);
     const fs::path file = project.Path().parent_path() / PathFromUtf8(fileName);
     if (FileTaken(project, file)) {
-        throw VbError(58, kSource, "File already exists: '" + fileName + "'");
+        // Named as it is spelt on disk, which may differ in case from the name asked for.
+        const auto existing = ResolveVbPath(file.parent_path(), PathToUtf8(file.filename()));
+        const std::string taken = existing ? PathToUtf8(existing->filename()) : fileName;
+        throw VbError(58, kSource, "File already exists: '" + taken + "'");
     }
-    WriteFileAtomic(file, NewComponentText(kind, chosen));
+    WriteFileAtomic(file, NewComponentText(kind, chosen, ProjectTypeOf(project)));
 
     std::vector<LoadWarning> warnings;
     ComponentLoader loader(project, project.codePage, warnings);

@@ -37,8 +37,19 @@ bool CanAddNewComponent(const DiskProject& project, NewComponentKind kind);
 // Whether components of the type have a designer that View Object opens.
 bool HasDesigner(env::ComponentType type);
 
-// The file text for a new component of the kind named `name`, with CRLF line ends.
-std::string NewComponentText(NewComponentKind kind, std::string_view name);
+// The project types of the `Type=` key: Standard EXE, ActiveX DLL, ActiveX EXE, ActiveX Control.
+enum class ProjectType { Exe, OleDll, OleExe, Control };
+
+// The project's type by its `Type=` key (ignoring case); Standard EXE when the key is missing
+// or unknown, as the IDE takes it.
+ProjectType ProjectTypeOf(const DiskProject& project);
+
+// The file text for a new component of the kind named `name`, with CRLF line ends. What the
+// component shows outside its project follows the IDE's defaults for the project type: a class
+// is Private in a Standard EXE, MultiUse in ActiveX DLLs and EXEs and PublicNotCreatable in
+// ActiveX Controls; user controls and property pages are public only in ActiveX Controls.
+std::string NewComponentText(NewComponentKind kind, std::string_view name,
+                             ProjectType projectType = ProjectType::Exe);
 
 // The IDE's default name: the kind's base name ("Form", "Module", ...) with the first number
 // from 1 that names no component of the project and no file in the project's folder.

@@ -142,6 +142,15 @@ fs::path PathIdentity(const fs::path& path) {
 #endif
 }
 
+bool SameFileOnWindows(const fs::path& a, const fs::path& b) {
+    return text::ToLower(PathToUtf8(PathIdentity(a).generic_u8string())) ==
+           text::ToLower(PathToUtf8(PathIdentity(b).generic_u8string()));
+}
+
+bool FileNameTaken(const fs::path& folder, std::string_view fileName) {
+    return ResolveVbPath(folder, fileName).has_value();
+}
+
 std::string VbPathFor(const fs::path& file, const fs::path& projectFolder) {
     const fs::path folder = AbsolutePath(projectFolder);
     fs::path relative = AbsolutePath(file).lexically_relative(folder);
@@ -167,6 +176,14 @@ std::string ShownBeside(const std::string& namingFile, std::string_view vbPath) 
 
 bool HasExtension(const fs::path& path, std::string_view lowerExtension) {
     return text::ToLower(PathToUtf8(path.extension())) == lowerExtension;
+}
+
+std::string ShownPath(const std::filesystem::path& file) {
+    std::error_code ec;
+    const std::filesystem::path relative =
+        file.lexically_relative(std::filesystem::current_path(ec));
+    const bool below = !ec && !relative.empty() && *relative.begin() != "..";
+    return PathToUtf8((below ? relative : file).generic_u8string());
 }
 
 }  // namespace arbolet::disk

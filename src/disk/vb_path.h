@@ -49,6 +49,13 @@ std::filesystem::path Canonical(const std::filesystem::path& path);
 // differ in case only, in lower case too. For comparing and keying only, never for opening.
 std::filesystem::path PathIdentity(const std::filesystem::path& path);
 
+// Whether two paths name one file once the project is on Windows, where names that differ in
+// letter case only are one name: their identities compared ignoring case.
+bool SameFileOnWindows(const std::filesystem::path& a, const std::filesystem::path& b);
+// Whether `folder` holds an entry named `fileName` in any letter case, which a new file of that
+// name would be on Windows.
+bool FileNameTaken(const std::filesystem::path& folder, std::string_view fileName);
+
 // How a project file writes the path of `file`: relative to its folder when it can, with `\`.
 std::string VbPathFor(const std::filesystem::path& file,
                       const std::filesystem::path& projectFolder);
@@ -59,5 +66,9 @@ std::string ShownBeside(const std::string& namingFile, std::string_view vbPath);
 
 // Whether the extension, lower-cased, is `lowerExtension` (with its dot).
 bool HasExtension(const std::filesystem::path& path, std::string_view lowerExtension);
+
+// How to show a file to the user: relative to the working folder when it lies below it, else in
+// full; forward slashes on every platform.
+std::string ShownPath(const std::filesystem::path& file);
 
 }  // namespace arbolet::disk

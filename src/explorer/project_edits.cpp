@@ -53,10 +53,7 @@ Outcome CheckFolderName(EditContext& context, std::string_view name) {
 }
 
 Outcome AddFolderNamed(EditContext& context, env::VBProject& project, std::string_view name) {
-    Outcome checked = CheckFolderName(context, name);
-    if (!checked.done()) return checked;
-    context.explorer.AddFolder(project, name);
-    return Outcome::Done();
+    return context.explorer.AddFolder(project, name);
 }
 
 Outcome RemoveFolderNamed(EditContext& context, env::VBProject& project, std::string_view name) {

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <exception>
+#include <optional>
+#include <string>
 #include <vector>
 
 #include "base/utf8.h"
@@ -273,13 +275,48 @@ Outcome ProjectExplorer::SetComponentFolder(env::VBComponent& component,
     return Outcome::Done();
 }
 
-void ProjectExplorer::AddFolder(env::VBProject& project, std::string_view folderName) {
+std::string ProjectExplorer::NewFolderRefusal(const env::VBProject& project,
+                                              std::string_view folderName) const {
+    const std::string_view trimmed = text::Trim(folderName);
+    // Loading trims names and skips blank ones: a blank folder could never be seen or removed.
+    if (!IsValidFolderName(folderName) || trimmed.empty())
+        return "Not a valid folder name, please try again.";
+    const std::string wanted = text::ToLower(trimmed);
+    const auto taken = [&](std::string_view existing) {
+        return text::ToLower(text::Trim(existing)) == wanted;
+    };
+    std::optional<std::string> existing;
+    const std::string list = ReadFolderList(project);
+    for (std::size_t start = 0; start < list.size() && !existing;) {
+        const std::size_t end = std::min(list.find(';', start), list.size());
+        const std::string_view entry = std::string_view(list).substr(start, end - start);
+        if (taken(entry)) existing = std::string(text::Trim(entry));
+        start = end + 1;
+    }
+    const std::string projectKey = ProjectKey(project.Name());
+    if (!existing && NodeExists(projectKey)) {
+        for (tree::NodeRef node = Nodes().Item(projectKey)->Child(); node && !existing;
+             node = node->Next()) {
+            if (node->Kind() == tree::NodeKind::Folder && taken(node->Text()))
+                existing = node->Text();
+        }
+    }
+    // Folder names compare without regard to case, so a second spelling would be the same node.
+    if (existing) return "A folder named '" + *existing + "' already exists.";
+    return {};
+}
+
+Outcome ProjectExplorer::AddFolder(env::VBProject& project, std::string_view folderName) {
+    if (const std::string refusal = NewFolderRefusal(project, folderName); !refusal.empty()) {
+        return Refuse(refusal, MsgBoxIcon::Information, "Invalid Folder Name");
+    }
     try {
         GetFolderNode(project.Name(), folderName);
     } catch (const std::exception&) {
         // The folder is still recorded and shows at the next reload.
     }
     AddProjectFolder(project, folderName);
+    return Outcome::Done();
 }
 
 void ProjectExplorer::RemoveFolder(env::VBProject& project, std::string_view folderName) {
@@ -301,15 +338,16 @@ void ProjectExplorer::RemoveFolder(env::VBProject& project, std::string_view fol
     RefreshProjects();
 }
 
-// Asks until the answer is empty (also Cancel) or a valid name.
-std::string ProjectExplorer::AskFolderName() {
+// Asks until the answer is empty (also Cancel) or a name the project can take as a new folder.
+std::string ProjectExplorer::AskFolderName(const env::VBProject& project) {
     std::string answer = "New Folder";
     while (true) {
         answer = ui_.InputBox(
             "Enter the name of the new folder you want to add:", "Enter Folder Name", answer);
-        if (answer.empty() || IsValidFolderName(answer)) return answer;
-        ui_.MsgBox("Not a valid folder name, please try again.", MsgBoxIcon::Information,
-                   "Invalid Folder Name");
+        if (answer.empty()) return answer;
+        const std::string refusal = NewFolderRefusal(project, answer);
+        if (refusal.empty()) return answer;
+        ui_.MsgBox(refusal, MsgBoxIcon::Information, "Invalid Folder Name");
     }
 }
 
@@ -323,10 +361,9 @@ Outcome ProjectExplorer::NewFolder(std::string_view nodeKey) {
             return Outcome::Failed("No node has the key " + std::string(nodeKey));
         const env::VBProjectRef project = ProjectOfNode(*Nodes().Item(nodeKey));
         if (!project) return Outcome::Failed("The node belongs to no open project");
-        const std::string folderName = AskFolderName();
+        const std::string folderName = AskFolderName(*project);
         if (folderName.empty()) return Outcome::Refused({});
-        AddFolder(*project, folderName);
-        return Outcome::Done();
+        return AddFolder(*project, folderName);
     } catch (const std::exception& error) {
         // A project that has gone meanwhile gets no folder.
         return Outcome::Failed(error.what());

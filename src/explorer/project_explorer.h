@@ -67,7 +67,12 @@ class ProjectExplorer {
     // Moves the component into a folder ("" for its fixed group); refused, with the message
     // shown, for a component that keeps no folder.
     Outcome SetComponentFolder(env::VBComponent& component, std::string_view folderName);
-    void AddFolder(env::VBProject& project, std::string_view folderName);
+    // Why the project cannot take the name for a new folder: not a valid folder name, blank, or
+    // the name of a folder it has (ignoring case and surrounding blanks); empty when it can.
+    std::string NewFolderRefusal(const env::VBProject& project, std::string_view folderName) const;
+    // Shows the folder and records it in the project's list; refused, with the message shown,
+    // for a name NewFolderRefusal gives a reason for.
+    Outcome AddFolder(env::VBProject& project, std::string_view folderName);
     void RemoveFolder(env::VBProject& project, std::string_view folderName);
     // The interactive command: asks for a name and adds the folder to the project of the node.
     // A cancelled dialog is a refusal without message.
@@ -153,7 +158,7 @@ class ProjectExplorer {
     void MarkStartProject(const std::string& projectName, tree::Node& projectNode) const;
     void TakeEventSources();
     void DisconnectEventSources();
-    std::string AskFolderName();
+    std::string AskFolderName(const env::VBProject& project);
 
     env::VBComponentRef FindComponent(std::string_view componentKey) const;
     tree::NodeRef ProjectNodeOf(const tree::Node& node) const;

@@ -30,7 +30,9 @@ std::optional<std::string> ComponentFileFor(const std::string& file) {
 }  // namespace
 
 Outcome ProjectExplorer::AfterLabelEdit(tree::Node& node, std::string_view newText) {
-    if (!IsValidFolderName(newText)) {
+    // A blank folder name would be trimmed away on loading, leaving a folder nobody sees.
+    const bool blankFolder = node.Kind() == tree::NodeKind::Folder && text::Trim(newText).empty();
+    if (!IsValidFolderName(newText) || blankFolder) {
         return Refuse("Not a valid name.", MsgBoxIcon::Information, "Invalid Name");
     }
     try {
@@ -200,6 +202,11 @@ Outcome ProjectExplorer::AddDroppedFile(env::VBProject& project, const std::stri
         if (error.Number == env::enverr::kFileAlreadyInProject) {
             return Refuse(file + " is already part of " + project.Name(), MsgBoxIcon::Information,
                           "Existing File");
+        }
+        // A component whose name is taken is refused by the project's rule, like an existing
+        // file; anything else went wrong.
+        if (error.Number == env::enverr::kInvalidPropertyValue) {
+            return Refuse(error.Description, MsgBoxIcon::Critical, "Cannot Add File");
         }
         ui_.MsgBox(error.Description, MsgBoxIcon::Critical, "Cannot Add File");
         return Outcome::Failed(error.Description);

@@ -3,8 +3,10 @@
 // Case or #If its own node), and the block errors as SymbolKind.Null nodes where they are.
 #include <algorithm>
 #include <map>
+#include <sstream>
 
 #include "analysis/vb6_statements.h"
+#include "base/json_writer.h"
 #include "base/utf8.h"
 #include "lsp/features.h"
 
@@ -375,26 +377,54 @@ class OutlineBuilder {
     std::map<std::int32_t, std::string> procedureDetail_;
 };
 
-Json ToJson(const Symbol& symbol) {
-    Json json{{"name", symbol.name.empty() ? std::string("(unnamed)") : symbol.name},
-              {"kind", symbol.kind},
-              {"range", ToJson(symbol.range)},
-              {"selectionRange", ToJson(symbol.selection)}};
-    if (!symbol.detail.empty()) json["detail"] = symbol.detail;
-    Json children = Json::array();
+// Outlines of large modules are big: they are written straight to text, not built as JSON
+// values first.
+void Write(text::JsonWriter& json, const Range& range) {
+    json.BeginObject();
+    for (const auto& [key, position] : {std::pair{"start", range.start}, {"end", range.end}}) {
+        json.Key(key);
+        json.BeginObject();
+        json.Key("line");
+        json.Integer(position.line);
+        json.Key("character");
+        json.Integer(position.character);
+        json.EndObject();
+    }
+    json.EndObject();
+}
+
+void Write(text::JsonWriter& json, const Symbol& symbol) {
+    json.BeginObject();
+    json.Key("name");
+    json.String(symbol.name.empty() ? std::string_view("(unnamed)") : symbol.name);
+    if (!symbol.detail.empty()) {
+        json.Key("detail");
+        json.String(symbol.detail);
+    }
+    json.Key("kind");
+    json.Integer(symbol.kind);
+    json.Key("range");
+    Write(json, symbol.range);
+    json.Key("selectionRange");
+    Write(json, symbol.selection);
+    json.Key("children");
+    json.BeginArray();
     for (const auto& child : symbol.children)
-        children.push_back(ToJson(child));
-    json["children"] = std::move(children);
-    return json;
+        Write(json, child);
+    json.EndArray();
+    json.EndObject();
 }
 
 }  // namespace
 
-Json DocumentSymbols(const DocumentView& document, const Settings& settings) {
-    Json symbols = Json::array();
+std::string DocumentSymbols(const DocumentView& document, const Settings& settings) {
+    std::ostringstream out;
+    text::JsonWriter json(out);
+    json.BeginArray();
     for (const auto& symbol : OutlineBuilder(document, settings).Build())
-        symbols.push_back(ToJson(symbol));
-    return symbols;
+        Write(json, symbol);
+    json.EndArray();
+    return std::move(out).str();
 }
 
 }  // namespace arbolet::lsp

@@ -22,9 +22,10 @@ struct DocumentView {
 // The Diagnostic[] of publishDiagnostics: block findings and problems of the file.
 Json Diagnostics(const DocumentView& document);
 
-// The hierarchical DocumentSymbol[]: declarations, procedures and, when settings.blocks is
-// on, the blocks below each procedure with block errors as SymbolKind.Null children.
-Json DocumentSymbols(const DocumentView& document, const Settings& settings);
+// The hierarchical DocumentSymbol[], as JSON text: declarations, procedures and, when
+// settings.blocks is on, the blocks below each procedure with block errors as SymbolKind.Null
+// children.
+std::string DocumentSymbols(const DocumentView& document, const Settings& settings);
 
 // FoldingRange[]: blocks and their branches, comment runs, the attribute header, the designer.
 Json FoldingRanges(const DocumentView& document);

@@ -43,8 +43,11 @@ std::string Frame(const Json& message) {
     return "Content-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body;
 }
 
+// Initializer lists copy their elements, so large results are moved in afterwards.
 Json ResponseMessage(const Json& id, Json result) {
-    return Json{{"jsonrpc", "2.0"}, {"id", id}, {"result", std::move(result)}};
+    Json message{{"jsonrpc", "2.0"}, {"id", id}};
+    message["result"] = std::move(result);
+    return message;
 }
 
 Json ErrorMessage(const Json& id, int code, std::string_view message) {
@@ -54,7 +57,9 @@ Json ErrorMessage(const Json& id, int code, std::string_view message) {
 }
 
 Json NotificationMessage(std::string_view method, Json params) {
-    return Json{{"jsonrpc", "2.0"}, {"method", std::string(method)}, {"params", std::move(params)}};
+    Json message{{"jsonrpc", "2.0"}, {"method", std::string(method)}};
+    message["params"] = std::move(params);
+    return message;
 }
 
 Json ToJson(Position position) {

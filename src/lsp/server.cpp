@@ -115,7 +115,14 @@ void Server::Dispatch(const std::string& method, const Json* id, const Json& par
         if (shutdown_ && method != "shutdown") {
             throw RequestError(error_code::kInvalidRequest, "the server is shutting down");
         }
-        Send(ResponseMessage(*id, Request(method, params)));
+        Reply reply = Request(method, params);
+        if (!reply.text) {
+            Send(ResponseMessage(*id, std::move(reply.json)));
+        } else {
+            const std::string body =
+                R"({"jsonrpc":"2.0","id":)" + id->dump() + R"(,"result":)" + *reply.text + "}";
+            send_("Content-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body);
+        }
     } catch (const RequestError& error) {
         Send(ErrorMessage(*id, error.code, error.what()));
     } catch (const std::exception& error) {
@@ -123,17 +130,17 @@ void Server::Dispatch(const std::string& method, const Json* id, const Json& par
     }
 }
 
-Json Server::Request(const std::string& method, const Json& params) {
+Server::Reply Server::Request(const std::string& method, const Json& params) {
     if (method == "initialize") return Initialize(params);
     if (method == "shutdown") {
         shutdown_ = true;
-        return nullptr;
+        return Json(nullptr);
     }
     if (method == "textDocument/documentSymbol") {
         OpenDocument& document = Document(params);
         if (!document.component) return Json::array();
-        return DocumentSymbols({document.uri, document.text, Analysis(document), encoding_},
-                               settings_);
+        return Reply::Text(DocumentSymbols(
+            {document.uri, document.text, Analysis(document), encoding_}, settings_));
     }
     if (method == "textDocument/foldingRange") {
         OpenDocument& document = Document(params);
@@ -150,7 +157,7 @@ Json Server::Request(const std::string& method, const Json& params) {
     }
     if (method == "textDocument/definition") {
         OpenDocument& document = Document(params);
-        if (!document.component) return nullptr;
+        if (!document.component) return Json(nullptr);
         const Json* position = Member(params, "position");
         if (!position) throw RequestError(error_code::kInvalidParams, "position is missing");
         IndexedComponent scratch;

@@ -43,9 +43,20 @@ class Server {
 
   private:
     struct OpenDocument;
+    // A result as a JSON value, or already written as JSON text.
+    struct Reply {
+        Reply(Json value) : json(std::move(value)) {}
+        static Reply Text(std::string text) {
+            Reply reply(nullptr);
+            reply.text = std::move(text);
+            return reply;
+        }
+        Json json;
+        std::optional<std::string> text;
+    };
 
     void Dispatch(const std::string& method, const Json* id, const Json& params);
-    Json Request(const std::string& method, const Json& params);
+    Reply Request(const std::string& method, const Json& params);
     void Notification(const std::string& method, const Json& params);
 
     Json Initialize(const Json& params);

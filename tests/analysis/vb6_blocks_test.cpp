@@ -96,6 +96,9 @@ TEST(Vb6Blocks, CodeThatCompilesGivesNoFinding) {
         {"Else If opens an If of its own",
          Lines({"Sub A()", "    If a Then", "    Else If b Then", "        x", "    End If",
                 "    End If", "End Sub"})},
+        {"date literals hold colons that separate nothing",
+         Lines({"Sub A()", "    If t <> #12:00:00 AM# Then", "        t = #1/1/2000 10:30:00 PM#",
+                "    End If", "    Print #1, a: If x# > 1 Then", "    End If", "End Sub"})},
         {"attributes and lone CR line ends", Lines({"Sub A()", "Attribute A.VB_UserMemId = 0",
                                                     "    If a Then", "    End If", "End Sub"},
                                                    "\r")},
@@ -129,6 +132,12 @@ TEST(Vb6Blocks, MissingEndsNameTheirOpenerAndWhereTheyProbablyBelong) {
               "`Function` at line 6 has no `End Function` (probably before line 8)");
     EXPECT_EQ(findings[2].message, "`If` at line 7 has no `End If`");
     EXPECT_EQ(findings[3].message, "`Type` at line 10 has no `End Type`");
+}
+
+TEST(Vb6Blocks, StatementsAfterADateLiteralAreStillRead) {
+    EXPECT_EQ(Messages(Lines({"Sub A()", "    If t = #10:00# Then: x = 1", "    End If",
+                              "    d = #1/1/2000#: If a Then", "End Sub"})),
+              (Texts{"`End If` at line 3 has no `If`", "`If` at line 4 has no `End If`"}));
 }
 
 TEST(Vb6Blocks, ClosersWithoutOpenersAndMismatches) {

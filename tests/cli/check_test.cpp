@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
 #include <nlohmann/json.hpp>
 
 #ifndef _WIN32
@@ -10,8 +11,8 @@
 #endif
 
 #include "cli/cli_runner.h"
-#include "cli/sarif_schema.h"
 #include "disk/temp_folder.h"
+#include "support/json_schema.h"
 
 namespace arbolet::cli {
 namespace {
@@ -52,6 +53,15 @@ const char* const kBroken =
     "    End If\r\n"
     "End Sub\r\n";
 
+// The SARIF 2.1.0 schema's definitions of the objects check writes.
+const arbolet::testing::JsonSchema& SarifSchema() {
+    static const arbolet::testing::JsonSchema schema = [] {
+        std::ifstream file(ARBOLET_SOURCE_DIR "/tests/cli/sarif-2.1.0-subset.schema.json");
+        return arbolet::testing::JsonSchema(nlohmann::json::parse(file));
+    }();
+    return schema;
+}
+
 class Check : public ::testing::Test {
   protected:
     std::string Write(const std::string& name, const std::string& bytes) {
@@ -89,7 +99,7 @@ TEST_F(Check, SarifIsValidWithRelatedLocationsFileUrisAndMissingFiles) {
         Arbolet({"check", "--format", "sarif", (folder_.Path() / "Shop.vbp").string()});
     EXPECT_EQ(run.status, 1);
     const auto log = nlohmann::json::parse(run.out);
-    EXPECT_EQ(testing::SarifSchema().Validate(log), std::vector<std::string>{});
+    EXPECT_EQ(SarifSchema().Validate(log), std::vector<std::string>{});
 
     const auto& results = log.at("runs").at(0).at("results");
     ASSERT_EQ(results.size(), 3u) << run.out;
@@ -119,7 +129,7 @@ TEST_F(Check, TheSchemaCheckRejectsWhatSarifForbids) {
         "name":"x"}},"results":[{"message":{"text":"m"},"level":"fatal","locations":[{
         "physicalLocation":{"artifactLocation":{"uri":"a b.bas"},"region":{"startLine":0}}}],
         "line":3}]}]})");
-    const auto errors = testing::SarifSchema().Validate(log);
+    const auto errors = SarifSchema().Validate(log);
     EXPECT_EQ(errors.size(), 4u);  // level, uri, startLine, and the unknown property `line`
 }
 
@@ -130,7 +140,7 @@ TEST_F(Check, RelativePathsUseTheSourceRootBase) {
     const CliRun run = Arbolet({"check", "--format", "sarif", "src"});
     fs::current_path(previous);
     const auto log = nlohmann::json::parse(run.out);
-    EXPECT_EQ(testing::SarifSchema().Validate(log), std::vector<std::string>{});
+    EXPECT_EQ(SarifSchema().Validate(log), std::vector<std::string>{});
     const auto& artifact = log.at("runs")
                                .at(0)
                                .at("results")

@@ -85,8 +85,8 @@ TEST_F(CommandLine, CheckReportsCompilerStyleInLineOrderWithExitStatusOne) {
     EXPECT_EQ(run.status, 1);
     const std::string shown = fs::path(path).generic_string();
     const std::string expected = shown + ":3: error: ERROR - NO end sub [unclosed-block]\n" +
-                                 shown + ":4: error: ERROR - NO end if [unclosed-block]\n" +
-                                 shown + ":5: error: NO START sub [unmatched-end]\n" + shown +
+                                 shown + ":4: error: ERROR - NO end if [unclosed-block]\n" + shown +
+                                 ":5: error: NO START sub [unmatched-end]\n" + shown +
                                  ":7: error: NO START if [unmatched-end]\n";
     EXPECT_EQ(run.out.substr(0, expected.size()), expected);
     EXPECT_NE(run.out.find("arbolet: 4 errors in 1 file (2 files checked)"), std::string::npos)

@@ -154,7 +154,7 @@ TEST_F(ComponentCommands, NewRefusesWithTheIdesRuleAndChangesNothing) {
 TEST_F(ComponentCommands, RemoveTakesOnlyTheEntryLine) {
     const CliRun run = Arbolet({"remove", shop, "project"});
     ASSERT_EQ(run.status, 0) << run.err;
-    EXPECT_EQ(run.out, "removed project from Shop (its files stay)\n");
+    EXPECT_EQ(run.out, "removed Project from Shop (its files stay)\n");
     std::string expected = kShopVbp;
     expected.erase(expected.find("Module=Project"),
                    std::string("Module=Project; Project.bas\n").size());
@@ -165,6 +165,116 @@ TEST_F(ComponentCommands, RemoveTakesOnlyTheEntryLine) {
     EXPECT_EQ(missing.status, 1);
     EXPECT_NE(missing.err.find("Shop has no component named 'Project'"), std::string::npos);
     EXPECT_EQ(folder.Read("Shop.vbp"), expected);
+}
+
+// A component listed twice (under two spellings of its path) is one component: removing it
+// takes every entry, or the next load would bring it back.
+TEST_F(ComponentCommands, RemoveTakesEveryEntryOfAComponentListedTwice) {
+    std::string twice = kShopVbp;
+    twice.insert(twice.find("Startup="), "Module=Project; .\\PROJECT.BAS\r\n");
+    folder.Write("Shop.vbp", twice);
+    const CliRun run = Arbolet({"remove", shop, "Project"});
+    ASSERT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(folder.Read("Shop.vbp").find("Module="), std::string::npos)
+        << folder.Read("Shop.vbp");
+    EXPECT_EQ(Arbolet({"tree", shop}).out.find("Project\n"), std::string::npos);
+}
+
+// Removing the start-up form leaves the project starting where the IDE would have it start:
+// Sub Main when a module has one, else nothing; the output says so.
+TEST_F(ComponentCommands, RemovingTheStartupFormMovesTheStartupToSubMainOrNone) {
+    folder.Write("Project.bas",
+                 "Attribute VB_Name = \"Project\"\r\n\tPublic  Sub\tMain ()\r\n"
+                 "End Sub\r\n");
+    const CliRun run = Arbolet({"remove", shop, "frmMain"});
+    ASSERT_EQ(run.status, 0) << run.err;
+    EXPECT_NE(run.out.find("the project now starts with Sub Main"), std::string::npos) << run.out;
+    std::string expected = kShopVbp;
+    expected.erase(expected.find("Form=frmMain.frm"), std::string("Form=frmMain.frm\r\n").size());
+    expected.replace(expected.find("\"frmMain\""), 9, "\"Sub Main\"");
+    EXPECT_EQ(folder.Read("Shop.vbp"), expected);
+
+    // A Sub Main in a class, or a private one, or a commented-out one, does not count.
+    folder.Write("Shop.vbp", kShopVbp);
+    folder.Write("Project.bas",
+                 "Attribute VB_Name = \"Project\"\r\n' Sub Main()\r\n"
+                 "Private Sub Main()\r\nEnd Sub\r\nSub MainLoop()\r\nEnd Sub\r\n");
+    folder.Write("clsData.cls",
+                 "VERSION 1.0 CLASS\r\nBEGIN\r\nEND\r\n"
+                 "Attribute VB_Name = \"clsData\"\r\nPublic Sub Main()\r\nEnd Sub\r\n");
+    const CliRun none = Arbolet({"remove", shop, "FRMMAIN"});
+    ASSERT_EQ(none.status, 0) << none.err;
+    EXPECT_NE(none.out.find("the project now has no start-up object"), std::string::npos)
+        << none.out;
+    EXPECT_NE(folder.Read("Shop.vbp").find("Startup=\"(None)\"\r\n"), std::string::npos);
+
+    // Removing another component leaves the start-up object alone and says nothing of it.
+    folder.Write("Shop.vbp", kShopVbp);
+    const CliRun other = Arbolet({"remove", shop, "clsData"});
+    ASSERT_EQ(other.status, 0) << other.err;
+    EXPECT_EQ(other.out.find("start"), std::string::npos) << other.out;
+    EXPECT_NE(folder.Read("Shop.vbp").find("Startup=\"frmMain\""), std::string::npos);
+}
+
+// Windows file names ignore letter case: a file that differs only in case is the same file.
+TEST_F(ComponentCommands, FileNameClashesIgnoreLetterCase) {
+    folder.Write("module1.bas", "Attribute VB_Name = \"Other\"\r\n");
+    const CliRun module = Arbolet({"new", shop, "module"});
+    ASSERT_EQ(module.status, 0) << module.err;
+    EXPECT_NE(module.out.find("added Module2 ("), std::string::npos) << module.out;
+    const CliRun named = Arbolet({"new", shop, "module", "MODULE1"});
+    EXPECT_EQ(named.status, 2);
+    EXPECT_NE(named.err.find("module1.bas"), std::string::npos) << named.err;
+    EXPECT_FALSE(std::filesystem::exists(folder / "MODULE1.bas"));
+    EXPECT_EQ(folder.Read("module1.bas"), "Attribute VB_Name = \"Other\"\r\n");
+
+    // A second file that differs from a listed one only in case is that file on Windows.
+    folder.Write("CLSDATA.cls",
+                 "VERSION 1.0 CLASS\r\nBEGIN\r\nEND\r\n"
+                 "Attribute VB_Name = \"clsOther\"\r\n");
+    const std::string before = folder.Read("Shop.vbp");
+    const CliRun add = Arbolet({"add", shop, (folder / "CLSDATA.cls").string()});
+    EXPECT_EQ(add.status, 1) << add.err;
+    EXPECT_NE(add.err.find("is already part of Shop"), std::string::npos) << add.err;
+    EXPECT_EQ(folder.Read("Shop.vbp"), before);
+}
+
+// The module attributes of a new component depend on the kind of project it joins, as the
+// defaults of the IDE's Instancing and Public properties do.
+TEST_F(ComponentCommands, NewComponentsTakeTheAttributesOfTheirProjectType) {
+    struct Case {
+        std::string type, kind, file, expected;
+    };
+    const Case cases[] = {
+        {"Exe", "class", "Class1.cls", "True/False"},
+        {"OleDll", "class", "Class1.cls", "True/True"},
+        {"OleExe", "class", "Class1.cls", "True/True"},
+        {"Control", "class", "Class1.cls", "False/True"},
+        {"Exe", "usercontrol", "UserControl1.ctl", "True/False"},
+        {"OleDll", "usercontrol", "UserControl1.ctl", "True/False"},
+        {"Control", "usercontrol", "UserControl1.ctl", "True/True"},
+        {"Exe", "propertypage", "PropertyPage1.pag", "True/False"},
+        {"Control", "propertypage", "PropertyPage1.pag", "True/True"},
+        {"OleExe", "userdocument", "UserDocument1.dob", "True/True"},
+        {"Control", "form", "Form1.frm", "False/False"},
+    };
+    for (const Case& c : cases) {
+        disk::testing::TempFolder project;
+        const std::string vbp =
+            project.Write("P.vbp", "Type=" + c.type + "\r\nName=\"P\"\r\n").string();
+        const CliRun run = Arbolet({"new", vbp, c.kind});
+        ASSERT_EQ(run.status, 0) << c.type << " " << c.kind << ": " << run.err;
+        const std::string text = project.Read(c.file);
+        const auto creatable = text.find("Attribute VB_Creatable = ");
+        const auto exposed = text.find("Attribute VB_Exposed = ");
+        ASSERT_NE(creatable, std::string::npos) << text;
+        ASSERT_NE(exposed, std::string::npos) << text;
+        const auto value = [&](std::size_t at, std::size_t skip) {
+            return text.substr(at + skip, text.find('\r', at) - at - skip);
+        };
+        EXPECT_EQ(value(creatable, 25) + "/" + value(exposed, 23), c.expected)
+            << c.type << " " << c.kind;
+    }
 }
 
 TEST_F(ComponentCommands, StartupRewritesTheTwoGroupLines) {

@@ -145,6 +145,146 @@ TEST_F(EditCommands, FoldersRenameOfAFixedGroupMovesItsComponentsIntoACustomFold
     EXPECT_EQ(missing.status, 1);
 }
 
+// Editors that save UTF-8 put a byte-order mark before the first line; the attribute behind
+// it is still the component's name, and the mark stays where it was.
+TEST_F(EditCommands, RenameFindsTheNameBehindAByteOrderMark) {
+    const std::string bom = "\xEF\xBB\xBF";
+    folder.Write("modMain.bas", bom + kModule);
+    const CliRun tree = Arbolet({"tree", "--expand", "modMain", vbp});
+    EXPECT_NE(tree.out.find("    modMain\n      Sub Main()\n"), std::string::npos) << tree.out;
+    const CliRun run = Arbolet({"rename", vbp, "modMain", "modStart"});
+    ASSERT_EQ(run.status, 0) << run.err;
+    std::string expected = bom + kModule;
+    expected.replace(expected.find("modMain"), 7, "modStart");
+    EXPECT_EQ(folder.Read("modMain.bas"), expected);
+
+    // A module without a name line gets one behind the mark, not before it.
+    folder.Write("lib/modLib.bas", bom + "Sub Helper()\r\nEnd Sub\r\n");
+    ASSERT_EQ(Arbolet({"add", vbp, (folder / "lib/modLib.bas").string()}).status, 0);
+    const CliRun named = Arbolet({"rename", vbp, "modLib", "modHelp"});
+    ASSERT_EQ(named.status, 0) << named.err;
+    EXPECT_EQ(folder.Read("lib/modLib.bas"),
+              bom + "Attribute VB_Name = \"modHelp\"\r\nSub Helper()\r\nEnd Sub\r\n");
+}
+
+// A user control is hosted by the forms, controls and pages of its project as
+// `Begin Project.Name`: renaming it renames those lines too, in every file or in none.
+TEST_F(EditCommands, RenamingAUserControlRenamesWhereItIsHosted) {
+    const std::string control =
+        "VERSION 5.00\r\nBegin VB.UserControl ctlGauge \r\n   ClientHeight = 100\r\nEnd\r\n"
+        "Attribute VB_Name = \"ctlGauge\"\r\nAttribute VB_Exposed = False\r\n";
+    const std::string host =
+        "VERSION 5.00\r\nBegin VB.Form frmMain\r\n   Begin Shop.ctlGauge ctlGauge1\n"
+        "      Left = 10\r\n   End\r\n   Begin VB.Frame fra\r\n"
+        "      Begin shop.CTLGAUGE ctlGauge2 \r\n      End\r\n   End\r\n"
+        "   Begin Shop.ctlGaugeX other\r\n   End\r\nEnd\r\n"
+        "Attribute VB_Name = \"frmMain\"\r\nDim a As ctlGauge\r\n";
+    const std::string page =
+        "VERSION 5.00\r\nBegin VB.PropertyPage ppgGauge\r\n   Begin Shop.ctlGauge g\r\n"
+        "   End\r\nEnd\r\nAttribute VB_Name = \"ppgGauge\"\r\n";
+    folder.Write("ctlGauge.ctl", control);
+    folder.Write("frmMain.frm", host);
+    folder.Write("ppgGauge.pag", page);
+    const std::string project = kVbp + "UserControl=ctlGauge.ctl\r\nPropertyPage=ppgGauge.pag\r\n";
+    folder.Write("Shop.vbp", project);
+
+    // A host that cannot be written stops the whole rename.
+    folder.MakeReadOnly("ppgGauge.pag");
+    const CliRun refused = Arbolet({"rename", vbp, "ctlGauge", "ctlMeter"});
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_NE(refused.err.find("ppgGauge.pag"), std::string::npos) << refused.err;
+    EXPECT_EQ(folder.Read("ctlGauge.ctl"), control);
+    EXPECT_EQ(folder.Read("frmMain.frm"), host);
+    EXPECT_EQ(folder.Read("Shop.vbp"), project);
+    fs::permissions(folder / "ppgGauge.pag", fs::perms::owner_write, fs::perm_options::add);
+
+    const CliRun run = Arbolet({"rename", vbp, "ctlGauge", "ctlMeter"});
+    ASSERT_EQ(run.status, 0) << run.err;
+    std::string expectedHost = host;
+    expectedHost.replace(expectedHost.find("Shop.ctlGauge ctlGauge1"), 13, "Shop.ctlMeter");
+    expectedHost.replace(expectedHost.find("shop.CTLGAUGE"), 13, "shop.ctlMeter");
+    EXPECT_EQ(folder.Read("frmMain.frm"), expectedHost);
+    EXPECT_EQ(folder.Read("ppgGauge.pag"),
+              "VERSION 5.00\r\nBegin VB.PropertyPage ppgGauge\r\n   Begin Shop.ctlMeter g\r\n"
+              "   End\r\nEnd\r\nAttribute VB_Name = \"ppgGauge\"\r\n");
+    EXPECT_NE(folder.Read("ctlGauge.ctl").find("Begin VB.UserControl ctlMeter \r\n"),
+              std::string::npos);
+    EXPECT_NE(run.err.find("frmMain.frm"), std::string::npos) << run.err;
+}
+
+// A control of an ActiveX control project in a group is hosted by the other projects' forms
+// under that project's name; they follow the rename too, and a form of an unrelated project
+// that hosts a control of the same name elsewhere does not.
+TEST_F(EditCommands, RenamingAUserControlInAGroupRenamesItsHostsInTheOtherProjects) {
+    folder.Write("ocx/Gauges.vbp", "Type=Control\r\nUserControl=Meter.ctl\r\nName=\"Gauges\"\r\n");
+    folder.Write("ocx/Meter.ctl",
+                 "VERSION 5.00\r\nBegin VB.UserControl Meter\r\nEnd\r\n"
+                 "Attribute VB_Name = \"Meter\"\r\n");
+    const std::string host =
+        "VERSION 5.00\r\nBegin VB.Form frmMain\r\n   Begin Gauges.Meter m\r\n   End\r\n"
+        "   Begin Shop.Meter s\r\n   End\r\nEnd\r\nAttribute VB_Name = \"frmMain\"\r\n";
+    folder.Write("frmMain.frm", host);
+    const std::string group =
+        folder
+            .Write("All.vbg",
+                   "VBGROUP 5.0\r\nStartupProject=Shop.vbp\r\nProject=ocx\\Gauges.vbp\r\n")
+            .string();
+    // `rename` takes one project; the group's environment is what the tool window has.
+    auto environment = disk::DiskEnvironment::Open({group});
+    const auto gauges = environment->VBProjects()->Item("Gauges");
+    gauges->VBComponents()->Item("Meter")->SetName("Dial");
+    environment->Save();
+    std::string expected = host;
+    expected.replace(expected.find("Gauges.Meter") + 7, 5, "Dial");
+    EXPECT_EQ(folder.Read("frmMain.frm"), expected);
+    EXPECT_NE(folder.Read("ocx/Meter.ctl").find("Begin VB.UserControl Dial\r\n"),
+              std::string::npos);
+}
+
+// A folder that cannot be seen, or a second spelling of one that exists, is no new folder.
+TEST_F(EditCommands, FoldersAddRefusesBlankAndExistingNames) {
+    ASSERT_EQ(Arbolet({"folders", vbp, "add", "Tools"}).status, 0);
+    const std::string before = folder.Read("Shop.vbp");
+    for (const std::string name : {"   ", "tools", " TOOLS ", "forms"}) {
+        const CliRun run = Arbolet({"folders", vbp, "add", name});
+        EXPECT_EQ(run.status, 1) << "'" << name << "'";
+        EXPECT_FALSE(run.err.empty()) << "'" << name << "'";
+        EXPECT_EQ(folder.Read("Shop.vbp"), before) << "'" << name << "'";
+    }
+    EXPECT_NE(Arbolet({"folders", vbp, "add", "tools"}).err.find("'Tools' already exists"),
+              std::string::npos);
+}
+
+// Refusals exit with 1, a path that is not there with 2, and neither goes unsaid.
+TEST_F(EditCommands, ExitStatusesOfANameClashAndOfAMissingPath) {
+    folder.Write("lib/Other.bas", "Attribute VB_Name = \"frmMain\"\r\n");
+    const CliRun clash = Arbolet({"add", vbp, (folder / "lib/Other.bas").string()});
+    EXPECT_EQ(clash.status, 1) << clash.err;
+    EXPECT_NE(clash.err.find("frmMain"), std::string::npos) << clash.err;
+    EXPECT_EQ(folder.Read("Shop.vbp"), kVbp);
+
+    const std::string missing = (folder / "nothere.bas").string();
+    const CliRun code = Arbolet({"code", missing, (folder / "modMain.bas").string()});
+    EXPECT_EQ(code.status, 2);
+    EXPECT_NE(code.err.find("nothere.bas"), std::string::npos) << code.err;
+    EXPECT_NE(code.out.find("modMain"), std::string::npos) << code.out;
+}
+
+// A name that matches no component is most likely mistyped; "all" is a word in any case.
+TEST_F(EditCommands, TreeExpandWarnsOfNamesThatMatchNothing) {
+    const CliRun typo = Arbolet({"tree", "--expand", "modMian,FRMMAIN", vbp});
+    EXPECT_EQ(typo.status, 0) << typo.err;
+    EXPECT_NE(typo.err.find("warning: no component is named 'modMian'"), std::string::npos)
+        << typo.err;
+    EXPECT_EQ(typo.err.find("FRMMAIN"), std::string::npos) << typo.err;
+    EXPECT_NE(typo.out.find("    frmMain\n      Dim a As Long\n"), std::string::npos) << typo.out;
+
+    const CliRun all = Arbolet({"tree", "--expand", "ALL", vbp});
+    EXPECT_EQ(all.err, "");
+    EXPECT_NE(all.out.find("      Sub Main()\n"), std::string::npos) << all.out;
+    EXPECT_NE(all.out.find("      Dim a As Long\n"), std::string::npos) << all.out;
+}
+
 TEST_F(EditCommands, TheWatchedTreeFollowsRealFileChanges) {
     std::ostringstream out;
     std::ostringstream err;
@@ -178,6 +318,10 @@ TEST_F(EditCommands, TheWatchedTreeFollowsRealFileChanges) {
 
     fs::remove(folder / "frmMain.frm");
     EXPECT_TRUE(stepUntil("frmMain~Shop~", false));
+    // As a one-shot tree would, the watch says why the component went.
+    EXPECT_NE(err.str().find("Shop.vbp:3: warning: component file not found: frmMain.frm"),
+              std::string::npos)
+        << err.str();
     EXPECT_FALSE(loaded.view.Nodes().Exists("Type~Forms~Shop") &&
                  loaded.view.Nodes().Item("Type~Forms~Shop")->Children() > 0);
 }

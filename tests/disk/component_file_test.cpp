@@ -84,9 +84,27 @@ TEST(ComponentFile, BrokenFilesGiveDiagnosticsNotFailures) {
 TEST(ComponentFile, LocatingTheCodeWithoutDecodingAgreesWithTheReader) {
     const std::string cyrillicModule =
         "Attribute VB_Name = \"\xCC\xEE\xE4\"\r\nOption Explicit\r\nx = \"\xCF\"\r\n";
+    // A designer header longer than the first lines looked at, a long line far into the code,
+    // lone CRs, and a header cut short at the end.
+    std::string longHeader = "VERSION 5.00\r\nBegin VB.Form F\r\n";
+    for (int i = 0; i < 3000; ++i)
+        longHeader += "   Begin VB.Label L" + std::to_string(i) + "\r\n   End\r\n";
+    longHeader += "End\r\nAttribute VB_Name = \"F\"\r\nOption Explicit\r\n";
+    std::string longLine = "Attribute VB_Name = \"M\"\r\n";
+    for (int i = 0; i < 400; ++i)
+        longLine += "x = 1\r\n";
+    longLine += "y = \"" + std::string(3000, 'a') + "\"\r\nz = 2\r\n";
+    // Lines just within and just beyond the length VB6 loads, far from the start.
+    std::string edges = longLine.substr(0, longLine.find("y = "));
+    edges += std::string(1023, 'b') + "\r\n" + std::string(1023, 'c') + "\n" +
+             std::string(1024, 'd') + "\n" + std::string(1024, 'e');
+    std::string cut = "VERSION 5.00\nBegin VB.Form F\n";
+    for (int i = 0; i < 500; ++i)
+        cut += "  Caption = \"x\"\n";
     for (const std::string& bytes :
          {std::string(kForm), cyrillicModule, std::string("VERSION 5.00\nBegin VB.Form F\n"),
-          std::string("MZ\x90\0\x03\0\0\0\nabc", 11), std::string()}) {
+          std::string("MZ\x90\0\x03\0\0\0\nabc", 11), std::string(), longHeader, longLine,
+          std::string("Attribute VB_Name = \"C\"\rSub A()\rEnd Sub\r"), cut, edges}) {
         const auto located = LocateCode(bytes);
         const auto parsed = ParseComponentFile(bytes, 1251);
         EXPECT_EQ(located.firstCodeLine, parsed.attributesEnd);

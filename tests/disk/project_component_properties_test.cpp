@@ -72,6 +72,53 @@ TEST(ComponentProperties, EditsOnlyTheirOwnLine) {
     }
 }
 
+// A byte-order mark is no part of the first line: the header and attributes behind it are read,
+// edits go behind it, and it stays the file's first bytes.
+TEST(ComponentProperties, ReadAndEditBehindAByteOrderMark) {
+    const std::string bom = "\xEF\xBB\xBF";
+    const std::string form = bom +
+                             "VERSION 5.00\r\nBegin VB.Form frmA\r\nEnd\r\n"
+                             "Attribute VB_Name = \"frmA\"\r\nDim x\r\n";
+    ComponentText text(form, kCp1252);
+    EXPECT_EQ(text.File().name, "frmA");
+    EXPECT_EQ(text.File().CodeText(), "Dim x");
+    EXPECT_EQ(LocateCode(form).firstCodeLine, 4);
+    text.Rename("frmB");
+    EXPECT_EQ(text.Bytes(), bom +
+                                "VERSION 5.00\r\nBegin VB.Form frmB\r\nEnd\r\n"
+                                "Attribute VB_Name = \"frmB\"\r\nDim x\r\n");
+
+    ComponentText bare(bom + "Sub Main()\nEnd Sub\n", kCp1252);
+    EXPECT_EQ(bare.File().CodeText(), "Sub Main()\r\nEnd Sub");
+    ASSERT_TRUE(bare.WriteProperty("QX-TypeName", "Tools"));
+    EXPECT_EQ(bare.Bytes(),
+              bom + "Attribute VB_Ext_KEY = \"QX-TypeName\" ,\"Tools\"\nSub Main()\nEnd Sub\n");
+    EXPECT_EQ(bare.ReadProperty("QX-TypeName"), "Tools");
+}
+
+// Only `Begin Project.Control` lines of the designer block that name the control are renamed;
+// a file whose block cannot be read is refused rather than left naming the old control.
+TEST(ComponentProperties, RenameHostedControlTouchesOnlyTheLinesThatHostIt) {
+    const std::string form =
+        "VERSION 5.00\r\nBegin VB.Form frmA\r\n   Begin GAUGES.Meter m1\n   End\r\n"
+        "   Begin Gauges.MeterX m2\r\n   End\r\n   Begin VB.Meter m3\r\n   End\r\n"
+        "   Begin Other.Meter m4\r\n   End\r\n   Begin\tgauges.meter\tm5\r\n   End\r\nEnd\r\n"
+        "Attribute VB_Name = \"frmA\"\r\n' Begin Gauges.Meter in the code\r\n";
+    ComponentText text(form, kCp1252);
+    ASSERT_TRUE(text.RenameHostedControl("Gauges", "meter", "Dial"));
+    std::string expected = form;
+    expected.replace(expected.find("GAUGES.Meter") + 7, 5, "Dial");
+    expected.replace(expected.find("gauges.meter") + 7, 5, "Dial");
+    EXPECT_EQ(text.Bytes(), expected);
+    EXPECT_FALSE(text.RenameHostedControl("Gauges", "Meter", "Dial"));
+    EXPECT_EQ(text.Bytes(), expected);
+
+    ComponentText broken("Begin VB.Form f\r\n   Begin Gauges.Meter m\r\n", kCp1252);
+    EXPECT_THROW(broken.RenameHostedControl("Gauges", "Meter", "Dial"), VbError);
+    ComponentText unrelated("Begin VB.Form f\r\n", kCp1252);
+    EXPECT_FALSE(unrelated.RenameHostedControl("Gauges", "Meter", "Dial"));
+}
+
 TEST(ComponentProperties, ReadsOnlyTheModuleAttributeBlock) {
     const ComponentText text(
         "Attribute VB_Name = \"modA\"\r\nAttribute VB_Ext_KEY = \"QX-TypeName\" ,\"Tools\"\r\n"

@@ -207,6 +207,36 @@ TEST_F(ExplorerTest, NewFolderAsksUntilTheNameIsValid) {
     EXPECT_EQ(Tree(), "*P\n  Good Name\n  Modules\n    modA\n");
 }
 
+// A blank name would be trimmed away on loading, and a second spelling of a folder is that
+// folder: both are asked again, as an invalid name is, and AddFolder refuses them too.
+TEST_F(ExplorerTest, NewFolderAsksAgainForABlankOrExistingName) {
+    auto project = vbe->AddProject("P");
+    project->WriteProperty("Quorlin", "QX-TypeName", ";Tools;");
+    project->AddComponent("modA", ComponentType::StdModule);
+    explorer.RefreshProjects();
+    ui.answers = {"   ", " TOOLS ", "modules", "Reports"};
+    EXPECT_TRUE(explorer.NewFolder("Project~P").done());
+    const std::string prompt = "] Enter the name of the new folder you want to add:";
+    EXPECT_EQ(ui.log, (std::vector<std::string>{
+                          "InputBox[Enter Folder Name|New Folder" + prompt,
+                          "MsgBox[Invalid Folder Name|64] Not a valid folder name, please try "
+                          "again.",
+                          "InputBox[Enter Folder Name|   " + prompt,
+                          "MsgBox[Invalid Folder Name|64] A folder named 'Tools' already exists.",
+                          "InputBox[Enter Folder Name| TOOLS " + prompt,
+                          "MsgBox[Invalid Folder Name|64] A folder named 'Modules' already "
+                          "exists.",
+                          "InputBox[Enter Folder Name|modules" + prompt}));
+    EXPECT_EQ(FolderList(*project), ";Tools;Reports;");
+
+    EXPECT_EQ(explorer.AddFolder(*project, "reports").status(), Outcome::Status::Refused);
+    EXPECT_EQ(explorer.AddFolder(*project, "\t").status(), Outcome::Status::Refused);
+    EXPECT_EQ(FolderList(*project), ";Tools;Reports;");
+    // Nor can a folder be renamed to a blank name.
+    EXPECT_FALSE(explorer.AfterLabelEdit(*nodes().Item("Type~Tools~P"), "  ").done());
+    EXPECT_EQ(FolderList(*project), ";Tools;Reports;");
+}
+
 TEST_F(ExplorerTest, NewFolderStopsOnCancelEmptyKeyOrMissingProject) {
     auto project = vbe->AddProject("P");
     explorer.RefreshProjects();

@@ -6,10 +6,10 @@
 #include <sstream>
 #include <vector>
 
+#include "base/json_writer.h"
 #include "base/utf8.h"
-#include "cli/json_writer.h"
-#include "cli/tree_json.h"
 #include "explorer/node_keys.h"
+#include "explorer/tree_json.h"
 #include "windows/registry/ansi_text.h"
 #include "windows/screenshot/screen_capture.h"
 
@@ -84,7 +84,7 @@ HTREEITEM ItemOf(TreeControl& tree, const std::string& key) {
     return dynamic_cast<const TreeItemNode&>(*tree.Item(key)).Item();
 }
 
-void WriteItem(cli::JsonWriter& json, const ItemState& state, const tree::Node& node) {
+void WriteItem(text::JsonWriter& json, const ItemState& state, const tree::Node& node) {
     json.BeginObject();
     json.Key("key");
     json.String(node.Key());
@@ -104,7 +104,7 @@ void WriteItem(cli::JsonWriter& json, const ItemState& state, const tree::Node& 
 
 // Opens a component as a click on its button does; the explorer says why when it cannot.
 void Open(TreeControl& tree, explorer::ProjectExplorer* explorer, tree::Node& node,
-          std::vector<cli::NotExpandedComponent>& notExpanded) {
+          std::vector<explorer::NotExpandedComponent>& notExpanded) {
     if (explorer == nullptr) {
         PressOn(tree.hWnd(), ItemOf(tree, node.Key()), VK_RIGHT);
         return;
@@ -118,7 +118,7 @@ void Open(TreeControl& tree, explorer::ProjectExplorer* explorer, tree::Node& no
 // and closed again once its code is written, so only one code tree at a time counts against
 // the tree's node limit.
 void WriteTree(TreeControl& tree, explorer::ProjectExplorer* explorer, const Expansion& expansion,
-               cli::JsonWriter& json, std::vector<cli::NotExpandedComponent>& notExpanded) {
+               text::JsonWriter& json, std::vector<explorer::NotExpandedComponent>& notExpanded) {
     const HWND control = tree.hWnd();
     struct Frame {
         std::string key;
@@ -188,7 +188,7 @@ class MenuReader {
         const auto root = reinterpret_cast<HMENU>(SendMessageW(open, MN_GETHMENU, 0, 0));
         std::ostringstream text;
         {
-            cli::JsonWriter json(text);
+            text::JsonWriter json(text);
             json.BeginObject();
             json.Key("items");
             WriteMenu(json, root);
@@ -211,7 +211,7 @@ class MenuReader {
         return 0;
     }
 
-    void WriteMenu(cli::JsonWriter& json, HMENU handle) const {
+    void WriteMenu(text::JsonWriter& json, HMENU handle) const {
         json.BeginArray();
         const int count = GetMenuItemCount(handle);
         for (int position = 0; position < count; ++position) {
@@ -317,14 +317,14 @@ bool DumpDocumentTree(docAddin& document, const std::string& expand,
                       const std::filesystem::path& out) {
     std::ostringstream text;
     {
-        cli::JsonWriter json(text);
+        text::JsonWriter json(text);
         json.BeginObject();
         json.Key("nodes");
         json.BeginArray();
-        std::vector<cli::NotExpandedComponent> notExpanded;
+        std::vector<explorer::NotExpandedComponent> notExpanded;
         WriteTree(document.treMain(), document.Explorer(), Expansion(expand), json, notExpanded);
         json.EndArray();
-        cli::WriteNotExpanded(json, notExpanded);
+        explorer::WriteNotExpanded(json, notExpanded);
         json.EndObject();
     }
     text << '\n';
