@@ -1,6 +1,8 @@
 # Helpers shared by the build scripts.
+# neovim runs the language server's editor test; chromium photographs the VS Code extension's
+# tree view in its end-to-end test.
 NATIVE_PACKAGES=(cmake ninja-build g++ clang ccache libgtest-dev libbenchmark-dev libcli11-dev
-                 nlohmann-json3-dev libfmt-dev neovim)
+                 nlohmann-json3-dev libfmt-dev neovim chromium)
 
 ARBOLET_STARTED=${ARBOLET_STARTED:-$(date +%s)}
 export ARBOLET_STARTED

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Builds everything a release holds into dist/: the Debian package of the command-line tool
-# (checked by unpacking it and running it), a zip of the Windows programs, and the Windows
-# Installer packages (for all users, and for one user).
+# (checked by unpacking it and running it), a zip of the Windows programs, the Windows
+# Installer packages (for all users, and for one user), and the VS Code extension (.vsix) with
+# the Linux and Windows x64 arbolet inside.
 #
 #   scripts/package.sh            packages whatever parts of the product this checkout builds
 #   scripts/package.sh --release  stops unless the add-in, the explorer and the help file are
@@ -71,6 +72,33 @@ cp build/package-windows-x64/installer/stage/* "$zipRoot/Arbolet-$version/x64/"
 (cd "$zipRoot" && cmake -E tar cf "$OLDPWD/dist/Arbolet-$version-windows.zip" --format=zip "Arbolet-$version")
 rm -rf "$zipRoot"
 cp "$installer/Arbolet-$version.msi" "$installer/Arbolet-$version-per-user.msi" dist/
+
+step "VS Code extension (.vsix) with the Linux and Windows x64 arbolet"
+extension=editors/vscode
+vsix="dist/arbolet-vb6-$version.vsix"
+if command -v npm >/dev/null; then
+    rm -rf "$extension/bin"
+    mkdir -p "$extension/bin/linux-x64" "$extension/bin/win32-x64"
+    cp build/package-linux/apps/arbolet/arbolet "$extension/bin/linux-x64/arbolet"
+    cp build/package-windows-x64/installer/stage/arbolet.exe "$extension/bin/win32-x64/arbolet.exe"
+    (
+        cd "$extension"
+        if [[ ! -f node_modules/.package-lock.json || package-lock.json -nt node_modules/.package-lock.json ]]; then
+            npm ci --no-audit --no-fund
+        fi
+        npm run build
+        node scripts/package-vsix.js "$OLDPWD/$vsix"
+        # What went in: the manifest, grammars, icons and both programs.
+        ARBOLET_VSIX="$OLDPWD/$vsix" node --test out/test/vsix.test.js >/dev/null
+    )
+    rm -rf "$extension/bin"
+    echo "$vsix: install with  code --install-extension $vsix"
+elif ((release)); then
+    echo "RELEASE STOPPED: npm is missing, so the VS Code extension cannot be built" >&2
+    exit 1
+else
+    echo "NOT A RELEASE: npm is missing, so dist/ has no VS Code extension"
+fi
 
 step "dist/"
 ls -l dist
