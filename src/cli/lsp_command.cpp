@@ -12,6 +12,10 @@ void AddLspCommand(CLI::App& app, CliContext& context) {
         "lsp",
         "Run the language server over standard input and output (LSP 3.17): diagnostics, "
         "outline, folding, matching blocks, workspace symbols, definitions, the project tree");
+    // Many clients name the transport on the command line; standard input and output is the only
+    // one, so the flag is taken and changes nothing.
+    command->add_flag("--stdio")->description(
+        "Talk over standard input and output (the default and only way)");
     command->callback([&context] { context.exitCode = lsp::RunStdioServer(); });
 }
 
