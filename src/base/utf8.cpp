@@ -4,10 +4,8 @@
 #include <cstdint>
 
 namespace arbolet::text {
-namespace {
 
-// Length of the valid UTF-8 sequence starting at text[i], or 1 for an invalid byte.
-std::size_t SequenceLength(std::string_view text, std::size_t i) {
+std::size_t CharByteLength(std::string_view text, std::size_t i) {
     const auto lead = static_cast<unsigned char>(text[i]);
     std::size_t length = 1;
     if (lead >= 0xC2 && lead <= 0xDF) {
@@ -25,6 +23,8 @@ std::size_t SequenceLength(std::string_view text, std::size_t i) {
     }
     return length;
 }
+
+namespace {
 
 char32_t DecodeTwoByte(unsigned char a, unsigned char b) {
     return (static_cast<char32_t>(a & 0x1F) << 6) | (b & 0x3F);
@@ -66,7 +66,7 @@ void LowerSequence(std::string& text, std::size_t i, std::size_t length) {
 
 std::size_t CharCount(std::string_view text) {
     std::size_t count = 0;
-    for (std::size_t i = 0; i < text.size(); i += SequenceLength(text, i))
+    for (std::size_t i = 0; i < text.size(); i += CharByteLength(text, i))
         ++count;
     return count;
 }
@@ -78,7 +78,7 @@ bool HasMoreCharsThan(std::string_view text, std::size_t count) {
 std::string_view LeftChars(std::string_view text, std::size_t count) {
     std::size_t i = 0;
     for (std::size_t n = 0; n < count && i < text.size(); ++n)
-        i += SequenceLength(text, i);
+        i += CharByteLength(text, i);
     return text.substr(0, i);
 }
 
@@ -90,7 +90,7 @@ void ToLowerInPlace(std::string& text) {
             ++i;
             continue;
         }
-        const std::size_t length = SequenceLength(text, i);
+        const std::size_t length = CharByteLength(text, i);
         if (length > 1) LowerSequence(text, i, length);
         i += length;
     }

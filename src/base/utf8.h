@@ -11,6 +11,10 @@
 
 namespace arbolet::text {
 
+// The byte length of the character at text[i]: its valid UTF-8 sequence, or 1 for a byte that
+// starts none.
+std::size_t CharByteLength(std::string_view text, std::size_t i);
+
 // Number of characters in the text.
 std::size_t CharCount(std::string_view text);
 

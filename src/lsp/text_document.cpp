@@ -3,29 +3,10 @@
 
 #include <algorithm>
 
+#include "base/utf8.h"
+
 namespace arbolet::lsp {
 namespace {
-
-// The length of a valid UTF-8 sequence at the start of `text`, or 0.
-std::size_t SequenceLength(std::string_view text) {
-    const auto lead = static_cast<unsigned char>(text[0]);
-    std::size_t length = 0;
-    if (lead < 0x80) return 1;
-    if (lead >= 0xC2 && lead <= 0xDF) {
-        length = 2;
-    } else if (lead >= 0xE0 && lead <= 0xEF) {
-        length = 3;
-    } else if (lead >= 0xF0 && lead <= 0xF4) {
-        length = 4;
-    } else {
-        return 0;
-    }
-    if (text.size() < length) return 0;
-    for (std::size_t i = 1; i < length; ++i) {
-        if ((static_cast<unsigned char>(text[i]) & 0xC0) != 0x80) return 0;
-    }
-    return length;
-}
 
 // How many bytes from the start of the line `units` units take (never past the line's end).
 std::size_t BytesOfUnits(std::string_view line, std::int32_t units, PositionEncoding encoding) {
@@ -35,12 +16,7 @@ std::size_t BytesOfUnits(std::string_view line, std::int32_t units, PositionEnco
     std::size_t bytes = 0;
     std::int32_t counted = 0;
     while (bytes < line.size() && counted < units) {
-        const std::size_t length = SequenceLength(line.substr(bytes));
-        if (length == 0) {
-            ++bytes;
-            ++counted;
-            continue;
-        }
+        const std::size_t length = text::CharByteLength(line, bytes);
         // A character outside the BMP is two UTF-16 units; a position between them ends
         // before it.
         const std::int32_t width = length == 4 ? 2 : 1;
@@ -58,9 +34,9 @@ std::int32_t UnitsOf(std::string_view utf8, PositionEncoding encoding) {
     std::int32_t units = 0;
     std::size_t i = 0;
     while (i < utf8.size()) {
-        const std::size_t length = SequenceLength(utf8.substr(i));
+        const std::size_t length = text::CharByteLength(utf8, i);
         units += length == 4 ? 2 : 1;
-        i += length == 0 ? 1 : length;
+        i += length;
     }
     return units;
 }
