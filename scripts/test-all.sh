@@ -6,6 +6,11 @@ cd "$(dirname "$0")/.."
 source scripts/lib.sh
 
 install_packages_if_missing "${NATIVE_PACKAGES[@]}"
+# The language server's and the VS Code extension's tests run on Node and npm: the machine's own
+# when it has them (a newer Node), else Debian's.
+if ! command -v node >/dev/null || ! command -v npm >/dev/null; then
+    install_packages_if_missing nodejs npm
+fi
 use_compiler_cache
 
 jobs=$(nproc)
