@@ -248,8 +248,7 @@ env::VBComponentRef AddNewComponent(DiskProject& project, NewComponentKind kind,
     const fs::path file = project.Path().parent_path() / PathFromUtf8(fileName);
     if (FileTaken(project, file)) {
         // Named as it is spelt on disk, which may differ in case from the name asked for.
-        const auto existing = ResolveVbPath(file.parent_path(), PathToUtf8(file.filename()));
-        const std::string taken = existing ? PathToUtf8(existing->filename()) : fileName;
+        const std::string taken = SpellingInFolder(file.parent_path(), fileName).value_or(fileName);
         throw VbError(58, kSource, "File already exists: '" + taken + "'");
     }
     WriteFileAtomic(file, NewComponentText(kind, chosen, ProjectTypeOf(project)));

@@ -151,6 +151,17 @@ bool FileNameTaken(const fs::path& folder, std::string_view fileName) {
     return ResolveVbPath(folder, fileName).has_value();
 }
 
+std::optional<std::string> SpellingInFolder(const fs::path& folder, std::string_view fileName) {
+    const std::string wanted = text::ToLower(fileName);
+    std::error_code ec;
+    for (fs::directory_iterator it(folder, ec); !ec && it != fs::directory_iterator();
+         it.increment(ec)) {
+        std::string name = PathToUtf8(it->path().filename());
+        if (text::ToLower(name) == wanted) return name;
+    }
+    return std::nullopt;
+}
+
 std::string VbPathFor(const fs::path& file, const fs::path& projectFolder) {
     const fs::path folder = AbsolutePath(projectFolder);
     fs::path relative = AbsolutePath(file).lexically_relative(folder);

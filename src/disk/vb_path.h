@@ -55,6 +55,10 @@ bool SameFileOnWindows(const std::filesystem::path& a, const std::filesystem::pa
 // Whether `folder` holds an entry named `fileName` in any letter case, which a new file of that
 // name would be on Windows.
 bool FileNameTaken(const std::filesystem::path& folder, std::string_view fileName);
+// The name of the entry of `folder` that is `fileName` in some letter case, as it is spelt there
+// (on a file system that ignores case, asking for the name returns the spelling asked for).
+std::optional<std::string> SpellingInFolder(const std::filesystem::path& folder,
+                                            std::string_view fileName);
 
 // How a project file writes the path of `file`: relative to its folder when it can, with `\`.
 std::string VbPathFor(const std::filesystem::path& file,

@@ -3,6 +3,7 @@
 // the exit status, cancellation.
 #include <gtest/gtest.h>
 
+#include "disk/vb_path.h"
 #include "lsp/lsp_client.h"
 
 namespace arbolet::lsp {
@@ -101,7 +102,8 @@ TEST(Protocol, ACancelledRequestIsAnsweredAsCancelled) {
 }
 
 TEST(Protocol, UrisAndPathsRoundTrip) {
-    const std::filesystem::path path = "/tmp/a folder/é#1.bas";
+    // From UTF-8 explicitly: a narrow literal is read in the ANSI code page on Windows.
+    const std::filesystem::path path = disk::PathFromUtf8("/tmp/a folder/é#1.bas");
     const std::string uri = UriFromPath(path);
     EXPECT_EQ(uri, "file:///tmp/a%20folder/%C3%A9%231.bas");
     EXPECT_EQ(PathFromUri(uri), path);
