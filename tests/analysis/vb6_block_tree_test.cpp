@@ -5,19 +5,13 @@
 #include <string>
 #include <vector>
 
+#include "analysis/crlf_lines.h"
 #include "analysis/vb6_block_tree.h"
 
 namespace arbolet::analysis::vb6 {
 namespace {
 
-std::string Lines(std::initializer_list<const char*> lines) {
-    std::string code;
-    for (const char* line : lines) {
-        code += line;
-        code += "\r\n";
-    }
-    return code;
-}
+using analysis::testing::Lines;
 
 // The text a span covers in the code.
 std::string Covered(const std::string& code, const Span& span, std::int32_t firstLine = 1) {

@@ -3,19 +3,13 @@
 
 #include <string>
 
+#include "analysis/crlf_lines.h"
 #include "analysis/vb6_metrics.h"
 
 namespace arbolet::analysis::vb6 {
 namespace {
 
-std::string Lines(std::initializer_list<const char*> lines) {
-    std::string code;
-    for (const char* line : lines) {
-        code += line;
-        code += "\r\n";
-    }
-    return code;
-}
+using analysis::testing::Lines;
 
 TEST(Vb6Metrics, HandCountedProcedures) {
     const std::string code = Lines({
