@@ -13,8 +13,22 @@ std::string MetricsText(const analysis::vb6::ProcedureMetrics& metrics) {
            std::to_string(metrics.complexity);
 }
 
+std::string LimitsText(const analysis::vb6::ProcedureMetrics& metrics, const MetricLimits& limits) {
+    std::string text;
+    const auto add = [&text](const char* what, int value, const std::optional<int>& limit) {
+        if (!limit || value <= *limit) return;
+        text += text.empty() ? "Over the project's limits: " : ", ";
+        text += std::string(what) + " " + std::to_string(value) + " > " + std::to_string(*limit);
+    };
+    add("lines of code", metrics.linesOfCode, limits.maxProcedureLines);
+    add("nesting", metrics.maxNesting, limits.maxNesting);
+    add("complexity", metrics.complexity, limits.maxComplexity);
+    return text;
+}
+
 // Procedures stand at the top of a code tree, also when sorted by name or found by a search.
-std::vector<ProcedureNode> ShowMetrics(tree::Node& component, std::string_view code) {
+std::vector<ProcedureNode> ShowMetrics(tree::Node& component, std::string_view code,
+                                       const MetricLimits& limits) {
     std::map<std::int64_t, tree::NodeRef> byLine;
     for (tree::NodeRef child = component.Child(); child; child = child->Next()) {
         if (child->Kind() == tree::NodeKind::CodeLine)
@@ -27,33 +41,15 @@ std::vector<ProcedureNode> ShowMetrics(tree::Node& component, std::string_view c
         if (found == byLine.end()) continue;
         tree::Node& node = *found->second;
         const std::string before = node.Tag().empty() ? node.Text() : node.Tag();
-        node.SetTag(before + "\r\n" + MetricsText(metrics));
+        std::string tip = before + "\r\n" + MetricsText(metrics);
+        if (const std::string over = LimitsText(metrics, limits); !over.empty()) {
+            tip += "\r\n" + over;
+            node.SetMark(tree::NodeMark::OverLimits);
+        }
+        node.SetTag(tip);
         shown.push_back({found->second, std::move(metrics)});
     }
     return shown;
-}
-
-bool PassesLimits(const analysis::vb6::ProcedureMetrics& metrics, const MetricLimits& limits) {
-    return (limits.maxNesting && metrics.maxNesting > *limits.maxNesting) ||
-           (limits.maxProcedureLines && metrics.linesOfCode > *limits.maxProcedureLines) ||
-           (limits.maxComplexity && metrics.complexity > *limits.maxComplexity);
-}
-
-}  // namespace arbolet::explorer
-
-namespace arbolet::explorer {
-
-std::string LimitsText(const analysis::vb6::ProcedureMetrics& metrics, const MetricLimits& limits) {
-    std::string text;
-    const auto add = [&text](const char* what, int value, const std::optional<int>& limit) {
-        if (!limit || value <= *limit) return;
-        text += text.empty() ? "Over the project's limits: " : ", ";
-        text += std::string(what) + " " + std::to_string(value) + " > " + std::to_string(*limit);
-    };
-    add("lines of code", metrics.linesOfCode, limits.maxProcedureLines);
-    add("nesting", metrics.maxNesting, limits.maxNesting);
-    add("complexity", metrics.complexity, limits.maxComplexity);
-    return text;
 }
 
 }  // namespace arbolet::explorer

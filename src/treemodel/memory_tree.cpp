@@ -79,6 +79,12 @@ std::string MemoryNode::Tag() const {
 void MemoryNode::SetTag(std::string_view tag) {
     Live().tag_ = tag;
 }
+NodeMark MemoryNode::Mark() const {
+    return Live().mark_;
+}
+void MemoryNode::SetMark(NodeMark mark) {
+    Live().mark_ = mark;
+}
 bool MemoryNode::Expanded() const {
     return Live().expanded_;
 }

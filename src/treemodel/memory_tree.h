@@ -28,6 +28,8 @@ class MemoryNode final : public Node, public std::enable_shared_from_this<Memory
     void SetForeColor(std::int32_t colour) override;
     std::string Tag() const override;
     void SetTag(std::string_view tag) override;
+    NodeMark Mark() const override;
+    void SetMark(NodeMark mark) override;
     bool Expanded() const override;
     void SetExpanded(bool expanded) override;
     bool Selected() const;
@@ -54,6 +56,7 @@ class MemoryNode final : public Node, public std::enable_shared_from_this<Memory
     std::string text_;
     std::string tag_;
     NodeKind kind_ = NodeKind::Other;
+    NodeMark mark_ = NodeMark::None;
     std::optional<std::int32_t> image_;
     std::int32_t foreColor_ = kWindowTextColour;
     bool bold_ = false;

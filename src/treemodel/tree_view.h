@@ -43,6 +43,13 @@ enum class NodeKind : std::int32_t {
     CodeLine = 5,
 };
 
+// A mark on a node that says something about what it stands for; how it looks (an overlay on the
+// picture, a word in a dump) is up to the view.
+enum class NodeMark : std::int32_t {
+    None = 0,
+    OverLimits = 1,  // a procedure over the project's quality limits
+};
+
 class Node;
 using NodeRef = std::shared_ptr<Node>;
 
@@ -63,6 +70,8 @@ class Node {
     virtual void SetForeColor(std::int32_t colour) = 0;
     virtual std::string Tag() const = 0;
     virtual void SetTag(std::string_view tag) = 0;
+    virtual NodeMark Mark() const = 0;
+    virtual void SetMark(NodeMark mark) = 0;
     virtual bool Expanded() const = 0;
     virtual void SetExpanded(bool expanded) = 0;
     virtual void SetSelected(bool selected) = 0;

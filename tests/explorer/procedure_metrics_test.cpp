@@ -1,5 +1,5 @@
 // Metrics on procedure nodes: the tip text, the procedure nodes found by their header line in a
-// normal, a sorted and a searched code tree, and the quality limits.
+// normal, a sorted and a searched code tree, and the quality limits named in the tip and marked.
 #include <gtest/gtest.h>
 
 #include "explorer/disk_explorer_fixture.h"
@@ -62,16 +62,46 @@ TEST_F(ProcedureMetricsTest, SortedAndSearchedTreesFindTheirProceduresByLine) {
     EXPECT_TRUE(Node("SmodMain~Shop~@9")->Tag().ends_with("cyclomatic complexity 1"));
 }
 
-TEST(MetricLimits, APassedLimitIsStrictlyAbove) {
+TEST_F(ProcedureMetricsTest, AProcedureOverTheLimitsSaysWhichAndIsMarked) {
+    explorer->CodeShown = [this](tree::Node& component, std::string_view code) {
+        shown = ShowMetrics(component, code, {std::nullopt, 5, 3});
+    };
+    Expand("modMain~Shop~");
+    ASSERT_EQ(shown.size(), 2u);
+    EXPECT_TRUE(Node("SmodMain~Shop~@1")
+                    ->Tag()
+                    .ends_with("complexity 4\r\n"
+                               "Over the project's limits: lines of code 8 > 5, complexity 4 > 3"))
+        << Node("SmodMain~Shop~@1")->Tag();
+    EXPECT_EQ(Node("SmodMain~Shop~@1")->Mark(), tree::NodeMark::OverLimits);
+    EXPECT_TRUE(Node("SmodMain~Shop~@9")->Tag().ends_with("cyclomatic complexity 1"));
+    EXPECT_EQ(Node("SmodMain~Shop~@9")->Mark(), tree::NodeMark::None) << "within the limits";
+    EXPECT_EQ(Node("SmodMain~Shop~@3")->Mark(), tree::NodeMark::None) << "no procedure";
+
+    // A new code tree is measured afresh: within wider limits nothing is marked.
+    explorer->CollapseNode(*Node("modMain~Shop~"));
+    explorer->CodeShown = [this](tree::Node& component, std::string_view code) {
+        shown = ShowMetrics(component, code, {2, 8, 4});
+    };
+    Expand("modMain~Shop~");
+    EXPECT_EQ(Node("SmodMain~Shop~@1")->Mark(), tree::NodeMark::None);
+    EXPECT_TRUE(Node("SmodMain~Shop~@1")->Tag().ends_with("cyclomatic complexity 4"));
+}
+
+TEST(MetricLimits, APassedLimitIsStrictlyAboveAndNamedInOrder) {
     analysis::vb6::ProcedureMetrics metrics;
     metrics.linesOfCode = 80;
     metrics.maxNesting = 4;
     metrics.complexity = 15;
-    EXPECT_FALSE(PassesLimits(metrics, {}));
-    EXPECT_FALSE(PassesLimits(metrics, {4, 80, 15}));
-    EXPECT_TRUE(PassesLimits(metrics, {3, std::nullopt, std::nullopt}));
-    EXPECT_TRUE(PassesLimits(metrics, {std::nullopt, 79, std::nullopt}));
-    EXPECT_TRUE(PassesLimits(metrics, {std::nullopt, std::nullopt, 14}));
+    EXPECT_EQ(LimitsText(metrics, {}), "");
+    EXPECT_EQ(LimitsText(metrics, {4, 80, 15}), "");
+    EXPECT_EQ(LimitsText(metrics, {3, std::nullopt, std::nullopt}),
+              "Over the project's limits: nesting 4 > 3");
+    EXPECT_EQ(LimitsText(metrics, {std::nullopt, 79, std::nullopt}),
+              "Over the project's limits: lines of code 80 > 79");
+    EXPECT_EQ(
+        LimitsText(metrics, {3, 79, 14}),
+        "Over the project's limits: lines of code 80 > 79, nesting 4 > 3, complexity 15 > 14");
     EXPECT_EQ(MetricsText(metrics),
               "Lines of code 80, maximum nesting 4, cyclomatic complexity 15");
 }

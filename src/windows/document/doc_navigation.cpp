@@ -83,14 +83,7 @@ void DocNavigation::Reloaded() {
 
 void DocNavigation::ShowMetricsOf(tree::Node& component, std::string_view code) {
     try {
-        if (!options::ShowMetrics()) return;
-        const std::vector<explorer::ProcedureNode> shown = explorer::ShowMetrics(component, code);
-        if (shown.empty()) return;
-        const explorer::MetricLimits limits = LimitsFor(component);
-        for (const explorer::ProcedureNode& procedure : shown) {
-            const std::string over = explorer::LimitsText(procedure.metrics, limits);
-            if (!over.empty()) procedure.node->SetTag(procedure.node->Tag() + "\r\n" + over);
-        }
+        if (options::ShowMetrics()) explorer::ShowMetrics(component, code, LimitsFor(component));
     } catch (const std::exception&) {
         // Without the option's value the tips stay as they were.
     }

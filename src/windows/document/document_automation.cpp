@@ -10,6 +10,7 @@
 #include "base/utf8.h"
 #include "explorer/tree_json.h"
 #include "windows/base/ansi_text.h"
+#include "windows/icons/tree_icons.h"
 #include "windows/screenshot/screen_capture.h"
 
 namespace arbolet::windows {
@@ -42,6 +43,7 @@ struct ItemState {
     std::string text;
     std::optional<std::int32_t> image;
     bool bold = false;
+    UINT overlay = 0;  // the overlay drawn over the item's picture, 0 for none
 };
 
 ItemState ReadItem(HWND tree, HTREEITEM handle, const tree::Node* node) {
@@ -49,12 +51,12 @@ ItemState ReadItem(HWND tree, HTREEITEM handle, const tree::Node* node) {
     TVITEMW item{};
     item.mask = TVIF_HANDLE | TVIF_TEXT | TVIF_STATE;
     item.hItem = handle;
-    item.stateMask = TVIS_BOLD;
+    item.stateMask = TVIS_BOLD | TVIS_OVERLAYMASK;
     item.pszText = buffer;
     item.cchTextMax = static_cast<int>(std::size(buffer));
     SendMessageW(tree, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
     return {WideToUtf8(item.pszText), node != nullptr ? node->Image() : std::nullopt,
-            (item.state & TVIS_BOLD) != 0};
+            (item.state & TVIS_BOLD) != 0, (item.state & TVIS_OVERLAYMASK) >> 8};
 }
 
 // Handles the messages already waiting, so that work the document put off has run.
@@ -93,6 +95,11 @@ void WriteItem(text::JsonWriter& json, const ItemState& state, const tree::Node&
     json.Integer(static_cast<std::uint32_t>(node.ForeColor()));
     json.Key("tag");
     json.String(node.Tag());
+    // Only marked items have the member, so dumps of trees without marks stay as they were.
+    if (state.overlay == icons::kOverLimitsOverlay) {
+        json.Key("mark");
+        json.String("over-limits");
+    }
     json.Key("children");
     json.BeginArray();
 }

@@ -5,7 +5,6 @@
 
 #include "explorer/node_keys.h"
 #include "windows/icons/tree_icons.h"
-#include "windows/treeview/tree_control.h"
 
 namespace arbolet::windows {
 namespace {
@@ -32,9 +31,7 @@ std::optional<env::ComponentType> ComponentTypeOf(const TreeItemNode& node, cons
     }
 }
 
-}  // namespace
-
-int TreeIconIndexOf(const NodeLook& look) noexcept {
+int IconIndexOf(const NodeLook& look) noexcept {
     if (look.modelImage == explorer::kProjectImage) {
         return icons::IconIndex(look.bold ? TreeIcon::StartupProject : TreeIcon::Project);
     }
@@ -52,12 +49,24 @@ int TreeIconIndexOf(const NodeLook& look) noexcept {
     }
 }
 
+}  // namespace
+
+TreeControl::Picture PictureOf(const NodeLook& look) noexcept {
+    TreeControl::Picture picture{IconIndexOf(look), 0};
+    if (look.mark == tree::NodeMark::OverLimits) {
+        picture.overlay = icons::kOverLimitsOverlay;
+        if (picture.image == I_IMAGENONE) picture.image = icons::IconIndex(TreeIcon::Blank);
+    }
+    return picture;
+}
+
 NodeLook LookOf(const TreeItemNode& node, const env::VBE* vbe) {
     NodeLook look;
     look.kind = node.Kind();
     look.modelImage = node.Image();
     look.bold = node.Bold();
     look.expanded = node.Expanded();
+    look.mark = node.Mark();
     if (look.kind == tree::NodeKind::Folder) {
         look.customFolder = !explorer::IsFixedGroupName(node.Text());
     }

@@ -193,6 +193,18 @@ tree::NodeRef TreeItemNode::Previous() const {
     return Ref(previous_);
 }
 
+tree::NodeMark TreeItemNode::Mark() const {
+    Owner();
+    return mark_;
+}
+
+void TreeItemNode::SetMark(tree::NodeMark mark) {
+    TreeControl& owner = Owner();
+    if (mark_ == mark) return;
+    mark_ = mark;
+    owner.ShowPicture(*this);
+}
+
 std::int32_t TreeItemNode::Children() const {
     Owner();
     return childCount_;
@@ -227,15 +239,18 @@ void TreeControl::SetPictures(HIMAGELIST list, PictureChooser chooser) {
     }
 }
 
-int TreeControl::PictureOf(const TreeItemNode& node) const {
-    return chooser_ ? chooser_(node) : ControlImage(node.image_);
+TreeControl::Picture TreeControl::PictureOf(const TreeItemNode& node) const {
+    return chooser_ ? chooser_(node) : Picture{ControlImage(node.image_), 0};
 }
 
 void TreeControl::ShowPicture(TreeItemNode& node) {
+    const Picture picture = PictureOf(node);
     TVITEMW item{};
-    item.iImage = PictureOf(node);
-    item.iSelectedImage = item.iImage;
-    node.SetItem(TVIF_IMAGE | TVIF_SELECTEDIMAGE, item);
+    item.iImage = picture.image;
+    item.iSelectedImage = picture.image;
+    item.stateMask = TVIS_OVERLAYMASK;
+    item.state = INDEXTOOVERLAYMASK(picture.overlay);
+    node.SetItem(TVIF_IMAGE | TVIF_SELECTEDIMAGE | TVIF_STATE, item);
 }
 
 tree::NodeRef TreeControl::SelectedItem() const {
@@ -363,10 +378,13 @@ tree::NodeRef TreeControl::Add(const tree::Node* relative, tree::Relationship re
     TVINSERTSTRUCTW insert{};
     insert.hParent = parent != nullptr ? parent->item_ : TVI_ROOT;
     insert.hInsertAfter = after == kAtEnd ? TVI_LAST : after != nullptr ? after->item_ : TVI_FIRST;
-    insert.item.mask = TVIF_TEXT | TVIF_IMAGE | TVIF_SELECTEDIMAGE | TVIF_PARAM;
+    const Picture picture = PictureOf(*node);
+    insert.item.mask = TVIF_TEXT | TVIF_IMAGE | TVIF_SELECTEDIMAGE | TVIF_STATE | TVIF_PARAM;
     insert.item.pszText = wide.data();
-    insert.item.iImage = PictureOf(*node);
-    insert.item.iSelectedImage = insert.item.iImage;
+    insert.item.iImage = picture.image;
+    insert.item.iSelectedImage = picture.image;
+    insert.item.stateMask = TVIS_OVERLAYMASK;
+    insert.item.state = INDEXTOOVERLAYMASK(picture.overlay);
     insert.item.lParam = reinterpret_cast<LPARAM>(node.get());
     {
         const Quiet quiet(*this);

@@ -11,11 +11,13 @@
 #include <sstream>
 
 #include "analysis/colours.h"
+#include "automation.h"
 #include "explorer/explorer_window_fixture.h"
 #include "explorer/tree_search.h"
 #include "explorer_settings.h"
 #include "raw_registry.h"
 #include "windows/base/ansi_text.h"
+#include "windows/icons/tree_icons.h"
 #include "windows/options/settings.h"
 #include "windows/screenshot/screen_capture.h"
 
@@ -77,6 +79,7 @@ class ExplorerNavigationTest : public ExplorerWindowTest {
                          L"\" \"{file}\" -line {line}");
     }
     void TearDown() override {
+        if (tip_ != nullptr) DestroyWindow(tip_);
         window_.reset();
         windows::testing::DeleteTree(HKEY_CURRENT_USER, "Software\\Arbolet\\Explorer");
         windows::testing::DeleteTree(HKEY_CLASSES_ROOT, windows::options::OptionsKeyPath());
@@ -118,17 +121,61 @@ class ExplorerNavigationTest : public ExplorerWindowTest {
         }
         return 0;
     }
+    // The tip the document gives the control for a node. Windows' tree view asks its parent with
+    // TVN_GETINFOTIP when the pointer rests on the node; Wine's does not ask, so the question
+    // is put here as the control puts it.
+    std::string AskTip(const std::string& key) {
+        TVITEMW item{};
+        item.mask = TVIF_PARAM | TVIF_HANDLE;
+        item.hItem = ItemOf(key);
+        if (!SendMessageW(Tree().hWnd(), TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item)))
+            return "(no item)";
+        wchar_t text[1024] = L"";
+        NMTVGETINFOTIPW ask{};
+        ask.hdr.hwndFrom = Tree().hWnd();
+        ask.hdr.idFrom = static_cast<UINT_PTR>(GetDlgCtrlID(Tree().hWnd()));
+        ask.hdr.code = TVN_GETINFOTIPW;
+        ask.pszText = text;
+        ask.cchTextMax = 1024;
+        ask.hItem = item.hItem;
+        ask.lParam = item.lParam;
+        SendMessageW(GetParent(Tree().hWnd()), WM_NOTIFY, ask.hdr.idFrom,
+                     reinterpret_cast<LPARAM>(&ask));
+        return windows::WideToUtf8(text);
+    }
+    // Shows a node's tip for the picture where Windows' tree view shows it, under the label, in
+    // a tooltip control of the test's own (Wine's tree view shows none).
+    void ShowTipOf(const std::string& key) {
+        tipText_ = windows::Utf8ToWide(AskTip(key));
+        tip_ = CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr,
+                               WS_POPUP | TTS_NOPREFIX | TTS_ALWAYSTIP, 0, 0, 0, 0, window_->hWnd(),
+                               nullptr, nullptr, nullptr);
+        TTTOOLINFOW tool{};
+        tool.cbSize = sizeof(tool);
+        tool.uFlags = TTF_TRACK | TTF_ABSOLUTE;
+        tool.hwnd = window_->hWnd();
+        tool.lpszText = tipText_.data();
+        SendMessageW(tip_, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
+        SendMessageW(tip_, TTM_SETMAXTIPWIDTH, 0, 800);  // lines break at CR LF only
+        const RECT label = ScreenRect(key);
+        SendMessageW(tip_, TTM_TRACKPOSITION, 0, MAKELPARAM(label.left, label.bottom + 4));
+        SendMessageW(tip_, TTM_TRACKACTIVATE, TRUE, reinterpret_cast<LPARAM>(&tool));
+        PumpMessagesFor(100);
+    }
     void SavePicture(const char* file) {
         UpdateWindow(window_->hWnd());
         PumpMessagesFor(200);
-        const windows::RgbImage picture =
-            windows::CaptureScreen(windows::UnionOfWindows({window_->hWnd()}));
+        std::vector<HWND> shown{window_->hWnd()};
+        if (tip_ != nullptr) shown.push_back(tip_);
+        const windows::RgbImage picture = windows::CaptureScreen(windows::UnionOfWindows(shown));
         std::filesystem::create_directories("artifacts");
         ASSERT_TRUE(windows::WritePng(file, picture));
         std::printf("picture: %s (%dx%d)\n", file, picture.width, picture.height);
     }
 
     std::filesystem::path record_;
+    HWND tip_ = nullptr;
+    std::wstring tipText_;
 };
 
 TEST_F(ExplorerNavigationTest, TypingFiltersTheTreeAndEscBringsItBackAsItWas) {
@@ -261,25 +308,61 @@ TEST_F(ExplorerNavigationTest, WithShowMetricsAProceduresTipShowsItsSizeAndCompl
     const std::string within = Tree().Item("SmodStock~Inventory~@41")->Tag();
     EXPECT_TRUE(within.ends_with("cyclomatic complexity 1")) << within;
 
-    // What the control hears when the pointer rests on the node: Windows' tree view asks its
-    // parent for the tip with TVN_GETINFOTIP (Wine's does not ask, so the question is put here
-    // as the control puts it).
-    TVITEMW item{};
-    item.mask = TVIF_PARAM | TVIF_HANDLE;
-    item.hItem = ItemOf(procedure);
-    ASSERT_TRUE(SendMessageW(Tree().hWnd(), TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item)));
-    wchar_t text[1024] = L"";
-    NMTVGETINFOTIPW ask{};
-    ask.hdr.hwndFrom = Tree().hWnd();
-    ask.hdr.idFrom = static_cast<UINT_PTR>(GetDlgCtrlID(Tree().hWnd()));
-    ask.hdr.code = TVN_GETINFOTIPW;
-    ask.pszText = text;
-    ask.cchTextMax = 1024;
-    ask.hItem = item.hItem;
-    ask.lParam = item.lParam;
-    SendMessageW(GetParent(Tree().hWnd()), WM_NOTIFY, ask.hdr.idFrom,
-                 reinterpret_cast<LPARAM>(&ask));
-    EXPECT_EQ(windows::WideToUtf8(text), tip);
+    EXPECT_EQ(AskTip(procedure), tip);
+}
+
+// A procedure over the project's limits carries the warning sign over its picture: in the
+// control, on the screen and in the dump. One within them, and everything else, has none.
+TEST_F(ExplorerNavigationTest, AProcedureOverTheLimitsShowsTheWarningSign) {
+    windows::options::ShowMetrics(true);
+    folder_.Write(".arbolet.json", "{ \"max-complexity\": 2 }\n");
+    Open(true);
+    Press("modStock~Inventory~", VK_RIGHT);
+    const std::string over = "SmodStock~Inventory~@15";    // StateOf, complexity 3
+    const std::string within = "SmodStock~Inventory~@41";  // IsAvailable, complexity 1
+    const auto item = [&](const std::string& key) {
+        TVITEMW values{};
+        values.mask = TVIF_HANDLE | TVIF_STATE | TVIF_IMAGE;
+        values.stateMask = TVIS_OVERLAYMASK;
+        values.hItem = ItemOf(key);
+        SendMessageW(Tree().hWnd(), TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&values));
+        return values;
+    };
+    EXPECT_EQ(item(over).state & TVIS_OVERLAYMASK,
+              INDEXTOOVERLAYMASK(windows::icons::kOverLimitsOverlay));
+    EXPECT_EQ(item(over).iImage, windows::icons::IconIndex(windows::icons::TreeIcon::Blank));
+    EXPECT_EQ(item(within).state & TVIS_OVERLAYMASK, 0u);
+    EXPECT_EQ(item(within).iImage, I_IMAGENONE);
+    EXPECT_EQ(item("modStock~Inventory~").state & TVIS_OVERLAYMASK, 0u);
+
+    // The sign's yellow stands in the picture's place, left of the label.
+    const auto signPixels = [&](const std::string& key) {
+        UpdateWindow(Tree().hWnd());
+        PumpMessagesFor(100);
+        RECT label = ScreenRect(key);
+        label.right = label.left;
+        label.left -= 24;
+        return windows::CountPixels(windows::CaptureScreen(label), RGB(0xF8, 0xD0, 0x48));
+    };
+    EXPECT_GT(signPixels(over), 20);
+    EXPECT_EQ(signPixels(within), 0);
+    ShowTipOf(over);
+    SavePicture("artifacts/explorer_metrics.png");
+    DestroyWindow(tip_);
+    tip_ = nullptr;
+
+    // Read back, the marked item alone says so.
+    Press("modStock~Inventory~", VK_LEFT);
+    const std::filesystem::path out = folder_ / "dump.json";
+    ASSERT_TRUE(DumpTree(*window_, "modStock", out));
+    const std::string dump = Read("dump.json");
+    const std::size_t mark = dump.find(R"("mark":"over-limits")");
+    ASSERT_NE(mark, std::string::npos) << dump;
+    EXPECT_EQ(dump.find(R"("mark")", mark + 1), std::string::npos) << "one marked item";
+    const std::size_t owner = dump.rfind(R"("key":")" + over + "\"", mark);
+    ASSERT_NE(owner, std::string::npos) << dump;
+    EXPECT_EQ(dump.substr(owner + 1, mark - owner).find(R"("key":)"), std::string::npos)
+        << "the mark belongs to StateOf's item";
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 // The keyed tree over the real comctl32 control: what the nodes remember must be what the
-// control shows (order of siblings, texts, open items), keys behave as the VB collection's, and
-// only the user's actions raise the control's events.
+// control shows (order of siblings, texts, open items, pictures), keys behave as the VB
+// collection's, and only the user's actions raise the control's events.
 #include "windows/treeview/tree_control.h"
 
 #include <gtest/gtest.h>
@@ -162,6 +162,40 @@ TEST(TreeControl, OpensItemsOnceTheyHaveChildrenAndAfterAnUpdate) {
     top->SetExpanded(false);
     EXPECT_FALSE(OpenInControl(tree, *top));
     EXPECT_TRUE(middle->Expanded()) << "a closed parent keeps its children's state";
+}
+
+// The owner's chooser decides an item's picture and overlay; a node's mark changes them at once,
+// also for items added before the pictures were set.
+TEST(TreeControl, PicturesAndOverlaysFollowTheChooserAndTheMark) {
+    TreeHost host;
+    TreeControl& tree = host.Tree();
+    const auto early = tree.Add(nullptr, Relationship::Last, "a", "a", NodeKind::CodeLine);
+    const auto shown = [&](const tree::NodeRef& node) {
+        TVITEMW item{};
+        item.mask = TVIF_HANDLE | TVIF_IMAGE | TVIF_STATE;
+        item.stateMask = TVIS_OVERLAYMASK;
+        item.hItem = dynamic_cast<const TreeItemNode&>(*node).Item();
+        SendMessageW(tree.hWnd(), TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+        return std::make_pair(item.iImage, (item.state & TVIS_OVERLAYMASK) >> 8);
+    };
+    EXPECT_EQ(shown(early), std::make_pair(I_IMAGENONE, 0u));
+    early->SetMark(tree::NodeMark::OverLimits);
+    EXPECT_EQ(shown(early), std::make_pair(I_IMAGENONE, 0u)) << "no chooser, no overlay";
+
+    tree.SetPictures(nullptr, [](const TreeItemNode& node) {
+        return node.Mark() == tree::NodeMark::OverLimits ? TreeControl::Picture{7, 2}
+                                                         : TreeControl::Picture{3, 0};
+    });
+    const auto late = tree.Add(nullptr, Relationship::Last, "b", "b", NodeKind::CodeLine);
+    EXPECT_EQ(shown(early), std::make_pair(7, 2u));
+    EXPECT_EQ(shown(late), std::make_pair(3, 0u));
+    late->SetMark(tree::NodeMark::OverLimits);
+    early->SetMark(tree::NodeMark::None);
+    EXPECT_EQ(shown(late), std::make_pair(7, 2u));
+    EXPECT_EQ(shown(early), std::make_pair(3, 0u));
+    EXPECT_EQ(late->Mark(), tree::NodeMark::OverLimits);
+    tree.Remove(*late);
+    EXPECT_EQ(ErrorOf([&] { late->SetMark(tree::NodeMark::None); }), tree::treeerr::kNodeDeleted);
 }
 
 // Selection changes are told whoever made them (the host follows the active project).
