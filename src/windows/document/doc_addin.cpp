@@ -166,7 +166,7 @@ void docAddin::UpdatePictures() {
     HIMAGELIST previous = pictures_;
     pictures_ = icons::CreateTreeImageList(dpi_);
     tree_->SetPictures(pictures_, [this](const TreeItemNode& node) {
-        return PictureOf(LookOf(node, vbe_.get()));
+        return TreeIconIndexOf(LookOf(node, vbe_.get()));
     });
     if (previous != nullptr) ImageList_Destroy(previous);
     HFONT previousFont = font_;

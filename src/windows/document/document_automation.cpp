@@ -43,20 +43,20 @@ struct ItemState {
     std::string text;
     std::optional<std::int32_t> image;
     bool bold = false;
-    UINT overlay = 0;  // the overlay drawn over the item's picture, 0 for none
+    int picture = I_IMAGENONE;  // the image-list index the control draws
 };
 
 ItemState ReadItem(HWND tree, HTREEITEM handle, const tree::Node* node) {
     wchar_t buffer[1024] = L"";
     TVITEMW item{};
-    item.mask = TVIF_HANDLE | TVIF_TEXT | TVIF_STATE;
+    item.mask = TVIF_HANDLE | TVIF_TEXT | TVIF_STATE | TVIF_IMAGE;
     item.hItem = handle;
-    item.stateMask = TVIS_BOLD | TVIS_OVERLAYMASK;
+    item.stateMask = TVIS_BOLD;
     item.pszText = buffer;
     item.cchTextMax = static_cast<int>(std::size(buffer));
     SendMessageW(tree, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
     return {WideToUtf8(item.pszText), node != nullptr ? node->Image() : std::nullopt,
-            (item.state & TVIS_BOLD) != 0, (item.state & TVIS_OVERLAYMASK) >> 8};
+            (item.state & TVIS_BOLD) != 0, item.iImage};
 }
 
 // Handles the messages already waiting, so that work the document put off has run.
@@ -96,7 +96,7 @@ void WriteItem(text::JsonWriter& json, const ItemState& state, const tree::Node&
     json.Key("tag");
     json.String(node.Tag());
     // Only marked items have the member, so dumps of trees without marks stay as they were.
-    if (state.overlay == icons::kOverLimitsOverlay) {
+    if (state.picture == icons::IconIndex(icons::TreeIcon::OverLimits)) {
         json.Key("mark");
         json.String("over-limits");
     }

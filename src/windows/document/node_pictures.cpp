@@ -5,6 +5,7 @@
 
 #include "explorer/node_keys.h"
 #include "windows/icons/tree_icons.h"
+#include "windows/treeview/tree_control.h"
 
 namespace arbolet::windows {
 namespace {
@@ -31,7 +32,9 @@ std::optional<env::ComponentType> ComponentTypeOf(const TreeItemNode& node, cons
     }
 }
 
-int IconIndexOf(const NodeLook& look) noexcept {
+}  // namespace
+
+int TreeIconIndexOf(const NodeLook& look) noexcept {
     if (look.modelImage == explorer::kProjectImage) {
         return icons::IconIndex(look.bold ? TreeIcon::StartupProject : TreeIcon::Project);
     }
@@ -44,20 +47,15 @@ int IconIndexOf(const NodeLook& look) noexcept {
             return icons::IconIndex(FolderIcon(look));
         case tree::NodeKind::Placeholder:
             return icons::IconIndex(TreeIcon::CodePlaceholder);
+        case tree::NodeKind::CodeLine:
+            // The tree keeps a picture's room before every item; Wine's image lists draw an
+            // overlay over a transparent picture only where the picture itself is opaque, so
+            // the sign takes the empty picture's place rather than overlaying it.
+            return look.mark == tree::NodeMark::OverLimits ? icons::IconIndex(TreeIcon::OverLimits)
+                                                           : I_IMAGENONE;
         default:
             return I_IMAGENONE;
     }
-}
-
-}  // namespace
-
-TreeControl::Picture PictureOf(const NodeLook& look) noexcept {
-    TreeControl::Picture picture{IconIndexOf(look), 0};
-    if (look.mark == tree::NodeMark::OverLimits) {
-        picture.overlay = icons::kOverLimitsOverlay;
-        if (picture.image == I_IMAGENONE) picture.image = icons::IconIndex(TreeIcon::Blank);
-    }
-    return picture;
 }
 
 NodeLook LookOf(const TreeItemNode& node, const env::VBE* vbe) {

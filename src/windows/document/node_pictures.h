@@ -1,6 +1,7 @@
 // Which of Arbolet's tree icons an item of the project tree shows. The explorer gives projects
 // and components an image number; folders, placeholders and the start-up project are told apart
-// by what the node is, and components by their type; a node's mark is drawn over its picture.
+// by what the node is, and components by their type. A marked code line, which has no picture
+// of its own, shows its mark's sign in the picture's place.
 #pragma once
 
 #include <cstdint>
@@ -9,9 +10,10 @@
 
 #include "environment/vbide.h"
 #include "treemodel/tree_view.h"
-#include "windows/treeview/tree_control.h"
 
 namespace arbolet::windows {
+
+class TreeItemNode;
 
 // What decides a node's picture.
 struct NodeLook {
@@ -25,10 +27,9 @@ struct NodeLook {
     tree::NodeMark mark = tree::NodeMark::None;
 };
 
-// The picture of a node in the tree icons' image list: I_IMAGENONE (-2) for code lines and
-// anything else without one, unless it is marked: a mark is an overlay, over a blank picture
-// where the node has none.
-TreeControl::Picture PictureOf(const NodeLook& look) noexcept;
+// The image-list index of the tree icons for a node; I_IMAGENONE (-2) for unmarked code lines
+// and anything else without a picture.
+int TreeIconIndexOf(const NodeLook& look) noexcept;
 
 // Reads what decides the picture from an item, asking the environment for a component's type.
 NodeLook LookOf(const TreeItemNode& node, const env::VBE* vbe);

@@ -12,15 +12,12 @@ namespace arbolet::windows::icons {
 namespace {
 
 constexpr std::array<std::string_view, kTreeIconCount> kNames = {
-    "project",       "startup_project",
-    "group_closed",  "group_open",
-    "custom_folder", "form",
-    "mdi_form",      "module",
-    "class",         "user_control",
-    "property_page", "user_document",
-    "designer",      "related_document",
-    "resource_file", "code_placeholder",
-    "blank",         "over_limits"};
+    "project",          "startup_project",  "group_closed",
+    "group_open",       "custom_folder",    "form",
+    "mdi_form",         "module",           "class",
+    "user_control",     "property_page",    "user_document",
+    "designer",         "related_document", "resource_file",
+    "code_placeholder", "over_limits"};
 
 std::string_view SheetResource(int size) noexcept {
     const HMODULE module = OwnModule();
@@ -59,9 +56,7 @@ Strip DrawStrip(const IconSheet& sheet) {
     std::vector<BYTE> maskBits(static_cast<std::size_t>(maskStride * size), 0);
     auto* pixels = static_cast<std::uint32_t*>(bits);
     for (int i = 0; i < kTreeIconCount; ++i) {
-        const IconPixels* icon = static_cast<TreeIcon>(i) == TreeIcon::Blank
-                                     ? nullptr
-                                     : sheet.Find(kNames[static_cast<std::size_t>(i)]);
+        const IconPixels* icon = sheet.Find(kNames[static_cast<std::size_t>(i)]);
         for (int y = 0; y < size; ++y) {
             for (int x = 0; x < size; ++x) {
                 const std::uint32_t argb =
@@ -128,8 +123,7 @@ HIMAGELIST CreateTreeImageList(UINT dpi) noexcept {
         if (!strip.colour || !strip.mask) return nullptr;
         HIMAGELIST list = ImageList_Create(size, size, ILC_COLOR32 | ILC_MASK, kTreeIconCount, 0);
         if (list == nullptr) return nullptr;
-        if (ImageList_Add(list, strip.colour.get(), strip.mask.get()) != 0 ||
-            !ImageList_SetOverlayImage(list, IconIndex(TreeIcon::OverLimits), kOverLimitsOverlay)) {
+        if (ImageList_Add(list, strip.colour.get(), strip.mask.get()) != 0) {
             ImageList_Destroy(list);
             return nullptr;
         }

@@ -29,22 +29,16 @@ enum class TreeIcon : int {
     RelatedDocument,
     ResourceFile,
     CodePlaceholder,
-    // Nothing at all: the picture of a code line that shows an overlay, which the tree draws
-    // only over a picture.
-    Blank,
-    // The warning sign of a procedure over the project's quality limits; an overlay.
+    // The warning sign of a procedure over the project's quality limits.
     OverLimits,
 };
 inline constexpr int kTreeIconCount = static_cast<int>(TreeIcon::OverLimits) + 1;
-
-// The overlay numbers of the list (ImageList_SetOverlayImage), for INDEXTOOVERLAYMASK.
-inline constexpr UINT kOverLimitsOverlay = 1;
 
 constexpr int IconIndex(TreeIcon icon) noexcept {
     return static_cast<int>(icon);
 }
 
-// The icon's name in the icon sheets ("project", "group_open", ...); Blank has no art.
+// The icon's name in the icon sheets ("project", "group_open", ...).
 std::string_view IconName(TreeIcon icon) noexcept;
 
 // The picture of a component of a vbext_ComponentType; an unknown kind gets the module's.
@@ -54,7 +48,7 @@ TreeIcon IconForComponentType(std::int32_t componentType) noexcept;
 int IconSizeForDpi(UINT dpi) noexcept;
 
 // Builds the image list of every TreeIcon at the size for the DPI (32-bit colour with a mask,
-// so that both the old and the themed common controls draw it transparent), with its overlays. The
+// so that both the old and the themed common controls draw it transparent). The
 // caller owns the list and frees it with ImageList_Destroy. nullptr when the icon resources are
 // missing or malformed: the sheets come with the library's compiled resource script, which reaches
 // a program or DLL only through PUBLIC links (or a direct one) to arbolet_win_icons.

@@ -239,18 +239,15 @@ void TreeControl::SetPictures(HIMAGELIST list, PictureChooser chooser) {
     }
 }
 
-TreeControl::Picture TreeControl::PictureOf(const TreeItemNode& node) const {
-    return chooser_ ? chooser_(node) : Picture{ControlImage(node.image_), 0};
+int TreeControl::PictureOf(const TreeItemNode& node) const {
+    return chooser_ ? chooser_(node) : ControlImage(node.image_);
 }
 
 void TreeControl::ShowPicture(TreeItemNode& node) {
-    const Picture picture = PictureOf(node);
     TVITEMW item{};
-    item.iImage = picture.image;
-    item.iSelectedImage = picture.image;
-    item.stateMask = TVIS_OVERLAYMASK;
-    item.state = INDEXTOOVERLAYMASK(picture.overlay);
-    node.SetItem(TVIF_IMAGE | TVIF_SELECTEDIMAGE | TVIF_STATE, item);
+    item.iImage = PictureOf(node);
+    item.iSelectedImage = item.iImage;
+    node.SetItem(TVIF_IMAGE | TVIF_SELECTEDIMAGE, item);
 }
 
 tree::NodeRef TreeControl::SelectedItem() const {
@@ -378,13 +375,10 @@ tree::NodeRef TreeControl::Add(const tree::Node* relative, tree::Relationship re
     TVINSERTSTRUCTW insert{};
     insert.hParent = parent != nullptr ? parent->item_ : TVI_ROOT;
     insert.hInsertAfter = after == kAtEnd ? TVI_LAST : after != nullptr ? after->item_ : TVI_FIRST;
-    const Picture picture = PictureOf(*node);
-    insert.item.mask = TVIF_TEXT | TVIF_IMAGE | TVIF_SELECTEDIMAGE | TVIF_STATE | TVIF_PARAM;
+    insert.item.mask = TVIF_TEXT | TVIF_IMAGE | TVIF_SELECTEDIMAGE | TVIF_PARAM;
     insert.item.pszText = wide.data();
-    insert.item.iImage = picture.image;
-    insert.item.iSelectedImage = picture.image;
-    insert.item.stateMask = TVIS_OVERLAYMASK;
-    insert.item.state = INDEXTOOVERLAYMASK(picture.overlay);
+    insert.item.iImage = PictureOf(*node);
+    insert.item.iSelectedImage = insert.item.iImage;
     insert.item.lParam = reinterpret_cast<LPARAM>(node.get());
     {
         const Quiet quiet(*this);

@@ -40,7 +40,7 @@ class TreeItemNode final : public tree::Node, public std::enable_shared_from_thi
     void SetForeColor(std::int32_t colour) override;
     std::string Tag() const override;
     void SetTag(std::string_view tag) override;
-    // Shown through the picture the owner chooses for the mark, as an overlay.
+    // Shown through the picture the owner's chooser gives a marked node.
     tree::NodeMark Mark() const override;
     void SetMark(tree::NodeMark mark) override;
     bool Expanded() const override;
@@ -124,14 +124,8 @@ class TreeControl final : public tree::TreeView, private tree::Nodes {
 
     // The node of an item of the control, nullptr for none.
     tree::NodeRef NodeOf(HTREEITEM item) const;
-    // What an item shows: an image-list index (I_IMAGENONE for none) and, drawn over it, the
-    // overlay image of that number (1 to 15, set with ImageList_SetOverlayImage; 0 for none).
-    struct Picture {
-        int image = I_IMAGENONE;
-        UINT overlay = 0;
-    };
-    // Chooses the picture of an item from what its node is.
-    using PictureChooser = std::function<Picture(const TreeItemNode& node)>;
+    // Chooses the image-list index an item shows (I_IMAGENONE for none) from what its node is.
+    using PictureChooser = std::function<int(const TreeItemNode& node)>;
     // Shows the pictures of `list` (owned by the caller, who keeps it alive while it is shown),
     // chosen for every item by `chooser`; items are updated when their picture, bold state,
     // mark or expansion changes. Without a chooser an item shows the model's image counted
@@ -194,7 +188,7 @@ class TreeControl final : public tree::TreeView, private tree::Nodes {
     void SyncExpanded(TreeItemNode& node);
     void ScrollTo(TreeItemNode& node);
     void FlushPending();
-    Picture PictureOf(const TreeItemNode& node) const;
+    int PictureOf(const TreeItemNode& node) const;
     void ShowPicture(TreeItemNode& node);
     LRESULT OnCustomDraw(NMTVCUSTOMDRAW& draw) const;
     void OnGetInfoTip(NMTVGETINFOTIPW& tip) const;

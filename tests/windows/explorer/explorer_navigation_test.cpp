@@ -311,7 +311,7 @@ TEST_F(ExplorerNavigationTest, WithShowMetricsAProceduresTipShowsItsSizeAndCompl
     EXPECT_EQ(AskTip(procedure), tip);
 }
 
-// A procedure over the project's limits carries the warning sign over its picture: in the
+// A procedure over the project's limits shows the warning sign in its picture's place: in the
 // control, on the screen and in the dump. One within them, and everything else, has none.
 TEST_F(ExplorerNavigationTest, AProcedureOverTheLimitsShowsTheWarningSign) {
     windows::options::ShowMetrics(true);
@@ -320,20 +320,16 @@ TEST_F(ExplorerNavigationTest, AProcedureOverTheLimitsShowsTheWarningSign) {
     Press("modStock~Inventory~", VK_RIGHT);
     const std::string over = "SmodStock~Inventory~@15";    // StateOf, complexity 3
     const std::string within = "SmodStock~Inventory~@41";  // IsAvailable, complexity 1
-    const auto item = [&](const std::string& key) {
-        TVITEMW values{};
-        values.mask = TVIF_HANDLE | TVIF_STATE | TVIF_IMAGE;
-        values.stateMask = TVIS_OVERLAYMASK;
-        values.hItem = ItemOf(key);
-        SendMessageW(Tree().hWnd(), TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&values));
-        return values;
+    const auto picture = [&](const std::string& key) {
+        TVITEMW item{};
+        item.mask = TVIF_HANDLE | TVIF_IMAGE;
+        item.hItem = ItemOf(key);
+        SendMessageW(Tree().hWnd(), TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+        return item.iImage;
     };
-    EXPECT_EQ(item(over).state & TVIS_OVERLAYMASK,
-              INDEXTOOVERLAYMASK(windows::icons::kOverLimitsOverlay));
-    EXPECT_EQ(item(over).iImage, windows::icons::IconIndex(windows::icons::TreeIcon::Blank));
-    EXPECT_EQ(item(within).state & TVIS_OVERLAYMASK, 0u);
-    EXPECT_EQ(item(within).iImage, I_IMAGENONE);
-    EXPECT_EQ(item("modStock~Inventory~").state & TVIS_OVERLAYMASK, 0u);
+    EXPECT_EQ(picture(over), windows::icons::IconIndex(windows::icons::TreeIcon::OverLimits));
+    EXPECT_EQ(picture(within), I_IMAGENONE);
+    EXPECT_EQ(picture("SmodStock~Inventory~@16"), I_IMAGENONE) << "a block is no procedure";
 
     // The sign's yellow stands in the picture's place, left of the label.
     const auto signPixels = [&](const std::string& key) {

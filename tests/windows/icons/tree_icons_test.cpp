@@ -1,5 +1,5 @@
 // The tree's image list as the tree view gets it: every icon at both sizes, each one drawn and
-// different from the others, transparent around its picture; the warning sign as an overlay. Saves
+// different from the others, transparent around its picture. Saves
 // a strip of all icons at both sizes as artifacts/tree_icons.png for people to look at.
 #include <gtest/gtest.h>
 
@@ -37,19 +37,8 @@ TEST_P(TreeImageList, HoldsEveryIconDrawnAndDistinct) {
     EXPECT_EQ(cy, size);
     ASSERT_EQ(ImageList_GetImageCount(list), kTreeIconCount);
 
-    // The blank picture is there only to carry an overlay: nothing of it shows.
-    const int blank = IconIndex(TreeIcon::Blank);
-    EXPECT_EQ(testing::CountPixels(DrawIcon(list, blank, size), kBackground), size * size);
-    // The warning sign drawn over it, as the tree draws a marked code line, is the sign alone.
-    const RgbImage overlaid = testing::DrawPicture(size, size, kBackground, [&](HDC dc) {
-        ImageList_Draw(list, blank, dc, 0, 0,
-                       ILD_TRANSPARENT | INDEXTOOVERLAYMASK(kOverLimitsOverlay));
-    });
-    EXPECT_EQ(overlaid.rgb, DrawIcon(list, IconIndex(TreeIcon::OverLimits), size).rgb);
-
     std::set<std::vector<std::uint8_t>> pictures;
     for (int i = 0; i < kTreeIconCount; ++i) {
-        if (i == blank) continue;
         const RgbImage picture = DrawIcon(list, i, size);
         const int transparent = testing::CountPixels(picture, kBackground);
         const std::string_view name = IconName(static_cast<TreeIcon>(i));

@@ -164,35 +164,34 @@ TEST(TreeControl, OpensItemsOnceTheyHaveChildrenAndAfterAnUpdate) {
     EXPECT_TRUE(middle->Expanded()) << "a closed parent keeps its children's state";
 }
 
-// The owner's chooser decides an item's picture and overlay; a node's mark changes them at once,
-// also for items added before the pictures were set.
-TEST(TreeControl, PicturesAndOverlaysFollowTheChooserAndTheMark) {
+// The owner's chooser decides an item's picture; a node's mark changes it at once, also for
+// items added before the pictures were set.
+TEST(TreeControl, PicturesFollowTheChooserAndTheMark) {
     TreeHost host;
     TreeControl& tree = host.Tree();
     const auto early = tree.Add(nullptr, Relationship::Last, "a", "a", NodeKind::CodeLine);
     const auto shown = [&](const tree::NodeRef& node) {
         TVITEMW item{};
-        item.mask = TVIF_HANDLE | TVIF_IMAGE | TVIF_STATE;
-        item.stateMask = TVIS_OVERLAYMASK;
+        item.mask = TVIF_HANDLE | TVIF_IMAGE | TVIF_SELECTEDIMAGE;
         item.hItem = dynamic_cast<const TreeItemNode&>(*node).Item();
         SendMessageW(tree.hWnd(), TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
-        return std::make_pair(item.iImage, (item.state & TVIS_OVERLAYMASK) >> 8);
+        EXPECT_EQ(item.iSelectedImage, item.iImage) << "the same picture when selected";
+        return item.iImage;
     };
-    EXPECT_EQ(shown(early), std::make_pair(I_IMAGENONE, 0u));
+    EXPECT_EQ(shown(early), I_IMAGENONE);
     early->SetMark(tree::NodeMark::OverLimits);
-    EXPECT_EQ(shown(early), std::make_pair(I_IMAGENONE, 0u)) << "no chooser, no overlay";
+    EXPECT_EQ(shown(early), I_IMAGENONE) << "without a chooser the mark shows nothing";
 
     tree.SetPictures(nullptr, [](const TreeItemNode& node) {
-        return node.Mark() == tree::NodeMark::OverLimits ? TreeControl::Picture{7, 2}
-                                                         : TreeControl::Picture{3, 0};
+        return node.Mark() == tree::NodeMark::OverLimits ? 7 : 3;
     });
     const auto late = tree.Add(nullptr, Relationship::Last, "b", "b", NodeKind::CodeLine);
-    EXPECT_EQ(shown(early), std::make_pair(7, 2u));
-    EXPECT_EQ(shown(late), std::make_pair(3, 0u));
+    EXPECT_EQ(shown(early), 7);
+    EXPECT_EQ(shown(late), 3);
     late->SetMark(tree::NodeMark::OverLimits);
     early->SetMark(tree::NodeMark::None);
-    EXPECT_EQ(shown(late), std::make_pair(7, 2u));
-    EXPECT_EQ(shown(early), std::make_pair(3, 0u));
+    EXPECT_EQ(shown(late), 7);
+    EXPECT_EQ(shown(early), 3);
     EXPECT_EQ(late->Mark(), tree::NodeMark::OverLimits);
     tree.Remove(*late);
     EXPECT_EQ(ErrorOf([&] { late->SetMark(tree::NodeMark::None); }), tree::treeerr::kNodeDeleted);
