@@ -61,6 +61,9 @@ use_compiler_cache() {
     export CMAKE_CXX_COMPILER_LAUNCHER=ccache
     export CCACHE_BASEDIR="$PWD"
     export CCACHE_NOHASHDIR=1
+    # Precompiled headers are included with -include, which ccache caches only when told that
+    # their time stamps and macros may be ignored.
+    export CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
 }
 
 # Installs the Debian packages that are not installed yet (the scripts run as root).
