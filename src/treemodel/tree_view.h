@@ -43,8 +43,8 @@ enum class NodeKind : std::int32_t {
     CodeLine = 5,
 };
 
-// A mark on a node that says something about what it stands for; how it looks (an overlay on the
-// picture, a word in a dump) is up to the view.
+// A mark on a node that says something about what it stands for; how it looks (a sign where the
+// picture goes, a word in a dump) is up to the view.
 enum class NodeMark : std::int32_t {
     None = 0,
     OverLimits = 1,  // a procedure over the project's quality limits

@@ -19,8 +19,8 @@ namespace arbolet::windows {
 // case) through the control, one at a time as a user would, and writes every item of the
 // control as {"nodes":[...]}: text, picture and bold state from the control, key, colour and
 // tag from the node the item shows, and "mark" where the control draws a mark's sign.
-// `withSelection` adds "selected", the selected node's key (null when none is). False when the file
-// cannot be written.
+// `withSelection` adds "selected", the selected node's key (null when none is). False when the
+// file cannot be written.
 bool DumpDocumentTree(docAddin& document, const std::string& expand,
                       const std::filesystem::path& out, bool withSelection = false);
 
